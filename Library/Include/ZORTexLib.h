@@ -1,0 +1,22 @@
+/// @file ZORTexLib.h
+/// Includes every public header of the library.
+#ifndef ZORTEXLIB_H
+#define ZORTEXLIB_H
+
+#include "Channels.h"
+#include "Pixel.h"
+#include "PixelEncoder.h"
+#include "PixelType.h"
+#include "Resampling.h"
+#include "SimpleCodecs.h"
+#include "TesselCodec.h"
+#include "TesselCompressor.h"
+#include "Transcode.h"
+#include "ZORTDefines.h"
+#include "ZORTMetaData.h"
+#include "ZORTUtilities.h"
+#include "ZORTVersion.h"
+#include "ZORTexture.h"
+#include "ZORTextureHeader.h"
+
+#endif // ZORTEXLIB_H
