@@ -4,6 +4,7 @@
 #define ZORTEXLIB_H
 
 #include "Channels.h"
+#include "ETCCodec.h"
 #include "Pixel.h"
 #include "PixelEncoder.h"
 #include "PixelType.h"
