@@ -34,7 +34,8 @@ constexpr std::size_t texelIndex(unsigned int width, unsigned int x, unsigned in
 	return static_cast<std::size_t>(y) * width + x;
 }
 
-constexpr unsigned char clampToByte(int value)
+/// A channel value limited to 0..255.
+constexpr unsigned char clamp(int value)
 {
 	return static_cast<unsigned char>(value < 0 ? 0 : (value > 255 ? 255 : value));
 }
@@ -45,11 +46,20 @@ constexpr unsigned int expandBits(unsigned int value, unsigned int bits)
 	return (value << (8 - bits)) | (value >> (2 * bits - 8));
 }
 
+/// The bit at position `from` of a word, moved to position `to`; all other bits are 0.
+constexpr unsigned int getbit(unsigned int word, unsigned int from, unsigned int to)
+{
+	return ((word >> from) & 1) << to;
+}
+
 /// The three-bit two's complement number whose lowest bit is bit `lowBit` of the word.
 constexpr int signedDelta(unsigned int word, unsigned int lowBit)
 {
 	return static_cast<int>(((word >> lowBit) & 7) ^ 4) - 4;
 }
+
+/// Sets the alpha of the 16 texels of a block.
+void fillAlpha(unsigned char* alpha, unsigned char value, unsigned int width, unsigned int startX, unsigned int startY);
 
 /// @name Packed form to stored form. The wasted bits are chosen so that the sum which signals the mode overflows, and the sums
 /// looked at before it do not. The DiffFalse forms write a diff bit of 0: one-bit-alpha blocks with a transparent texel.
