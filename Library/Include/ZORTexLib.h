@@ -5,6 +5,7 @@
 
 #include "Channels.h"
 #include "ETCCodec.h"
+#include "FormatMaps.h"
 #include "Pixel.h"
 #include "PixelEncoder.h"
 #include "PixelType.h"
