@@ -3,6 +3,8 @@
 #ifndef ZORTMETA_DATA_H
 #define ZORTMETA_DATA_H
 
+#include <utility>
+
 #include "ZORTDefines.h"
 
 namespace zortexture
@@ -117,6 +119,13 @@ public:
 		return index;
 	}
 
+	void Swap(CZORTArray& other) noexcept
+	{
+		std::swap(size, other.size);
+		std::swap(capacity, other.capacity);
+		std::swap(data, other.data);
+	}
+
 	/// Replaces the content by a deep copy of `other`, capacity included.
 	void Copy(const CZORTArray& other)
 	{
@@ -167,6 +176,24 @@ template<typename K, typename V>
 class CZORTMap
 {
 public:
+	CZORTMap() = default;
+	CZORTMap(const CZORTMap& other) = default;
+	~CZORTMap() = default;
+
+	/// Replaces both arrays or, when memory runs out, neither.
+	CZORTMap& operator=(const CZORTMap& other)
+	{
+		if (this != &other)
+		{
+			CZORTArray<K> newKeys(other.keys);
+			CZORTArray<V> newValues(other.values);
+			keys.Swap(newKeys);
+			values.Swap(newValues);
+			size = other.size;
+		}
+		return *this;
+	}
+
 	/// The value of `key`; a default value is inserted when there is none.
 	V& operator[](K key)
 	{

@@ -34,7 +34,7 @@ ZORT_API void ZORTTextureDeTwiddle(unsigned int& x, unsigned int& y, unsigned in
 ZORT_API void ZORTTextureLoadTiled(unsigned char* dst, unsigned int dstWidth, unsigned int dstHeight, const unsigned char* src,
                                    unsigned int srcWidth, unsigned int srcHeight, unsigned int elementSize, bool twiddled);
 
-/// Allocates a 52-byte header followed by an uninitialised pixel area, with malloc; the caller releases it with free.
+/// Allocates a 52-byte header followed by a zeroed pixel area, with the C allocator; the caller releases it with free.
 /// The header has no pixel format and one level, also when `mipMapped` makes room for a whole chain.
 /// @param minWidth,minHeight  the least size, in pixels, that a level is counted with.
 /// @return null when memory runs out.

@@ -69,6 +69,8 @@ public:
 
 private:
 	bool privateLoadZORFile(std::FILE* stream);
+	bool privateLoadLegacyZORFile(std::FILE* stream);
+	bool privateLoadLegacyZORImage(const unsigned char* image);
 	bool privateLoadKTXFile(std::FILE* stream);
 	bool privateLoadKTXFile(std::istream& stream);
 	bool privateLoadDDSFile(std::FILE* stream);

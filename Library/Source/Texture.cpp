@@ -1,0 +1,174 @@
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "ContainerFiles.h"
+#include "TextureSize.h"
+#include "ZORTexture.h"
+
+namespace zortexture
+{
+namespace
+{
+/// What follows the last dot of the path, in lower case; empty without a dot and when nothing follows it. A dot in a
+/// folder's name counts.
+std::string lowerCaseExtension(const std::string& path)
+{
+	const std::size_t dot = path.rfind('.');
+	if (dot == std::string::npos)
+	{
+		return {};
+	}
+	std::string extension = path.substr(dot + 1);
+	std::transform(extension.begin(), extension.end(), extension.begin(),
+	               [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+	return extension;
+}
+
+/// The file's name without folders, up to its first dot.
+std::string arrayNameOf(const std::string& path)
+{
+	const std::size_t separator = path.find_last_of("/\\");
+	const std::string name = separator == std::string::npos ? path : path.substr(separator + 1);
+	return name.substr(0, name.find('.'));
+}
+
+std::unique_ptr<unsigned char[]> copyOfBlock(const unsigned char* block, unsigned long long size)
+{
+	if (block == nullptr)
+	{
+		return nullptr;
+	}
+	std::unique_ptr<unsigned char[]> copy(new unsigned char[size]);
+	std::memcpy(copy.get(), block, size);
+	return copy;
+}
+} // namespace
+
+CZORTexture::CZORTexture() : m_dataSize(getDataSize(-1, true, true))
+{
+}
+
+CZORTexture::CZORTexture(const CZORTextureHeader& header, const void* data)
+    : CZORTextureHeader(header), m_dataSize(getDataSize(-1, true, true))
+{
+	if (data == nullptr)
+	{
+		m_textureData = new unsigned char[m_dataSize]();
+		return;
+	}
+	m_textureData = copyOfBlock(static_cast<const unsigned char*>(data), m_dataSize).release();
+}
+
+CZORTexture::CZORTexture(const CZORTexture& other)
+    : CZORTextureHeader(other), m_dataSize(other.m_dataSize), m_textureData(copyOfBlock(other.m_textureData, other.m_dataSize).release())
+{
+}
+
+CZORTexture::CZORTexture(const char* filePath) : CZORTexture()
+{
+	if (filePath == nullptr)
+	{
+		return;
+	}
+	const std::string extension = lowerCaseExtension(filePath);
+	const FilePointer file(std::fopen(filePath, "rb"));
+	if (extension == "ktx")
+	{
+		privateLoadKTXFile(file.get());
+	}
+	else if (extension == "dds")
+	{
+		privateLoadDDSFile(file.get());
+	}
+	else if (extension == "astc")
+	{
+		privateLoadASTCFile(file.get());
+	}
+	else
+	{
+		privateLoadZORFile(file.get());
+	}
+	m_dataSize = getDataSize(-1, true, true);
+}
+
+CZORTexture& CZORTexture::operator=(const CZORTexture& other)
+{
+	if (this == &other)
+	{
+		return *this;
+	}
+	std::unique_ptr<unsigned char[]> block = copyOfBlock(other.m_textureData, other.m_dataSize);
+	CZORTextureHeader::operator=(other);
+	delete[] m_textureData;
+	m_textureData = block.release();
+	m_dataSize = other.m_dataSize;
+	return *this;
+}
+
+CZORTexture::~CZORTexture()
+{
+	delete[] m_textureData;
+}
+
+const CZORTextureHeader& CZORTexture::getHeader() const
+{
+	return *this;
+}
+
+void* CZORTexture::getDataPtr(unsigned int mipLevel, unsigned int arrayMember, unsigned int face) const
+{
+	constexpr unsigned int kAllLevels = 0xFFFFFFFFu;
+	if (mipLevel == kAllLevels || mipLevel >= m_header.numMipMaps || arrayMember >= m_header.numSurfaces || face >= m_header.numFaces)
+	{
+		return nullptr;
+	}
+	const int level = static_cast<int>(mipLevel);
+	const unsigned int offset =
+	    levelOffset(m_header, mipLevel) + arrayMember * getDataSize(level, false, true) + face * getDataSize(level, false, false);
+	// On integers, since the block can be null and a wrapped offset can lie outside it.
+	return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(m_textureData) + offset); // NOLINT(performance-no-int-to-ptr)
+}
+
+bool CZORTexture::isDataComplete() const
+{
+	return m_textureData != nullptr && isDataSizeExact(m_header) && getDataSize(-1, true, true) <= m_dataSize;
+}
+
+void CZORTexture::addPaddingMetaData(unsigned int alignment)
+{
+	if (alignment < 2)
+	{
+		return;
+	}
+	// The file's header and the head of the block to be added stand ahead of the filler.
+	const unsigned long long unpadded = sizeof(ZORTextureHeaderV3) + kBlockHeadSize + static_cast<unsigned long long>(getMetaDataSize());
+	const unsigned int excess = static_cast<unsigned int>(unpadded % alignment);
+	MetaDataBlock block;
+	block.fourCC = kZORTextureMagic;
+	block.key = kMetaKeyPadding;
+	block.dataSize = excess == 0 ? 0 : alignment - excess;
+	block.data = new unsigned char[block.dataSize]();
+	addMetaData(block);
+}
+
+bool CZORTexture::saveFile(const std::string& filePath) const
+{
+	const std::string extension = lowerCaseExtension(filePath);
+	if (extension == "ktx")
+	{
+		return saveKTXFile(*this, filePath);
+	}
+	if (extension == "dds")
+	{
+		return writeFileOrRemove(filePath, [this](std::FILE* file) { return privateSaveDDSFile(file); });
+	}
+	if (extension == "h")
+	{
+		return writeFileOrRemove(filePath,
+		                         [this, &filePath](std::FILE* file) { return privateSaveCHeaderFile(file, arrayNameOf(filePath)); });
+	}
+	return writeFileOrRemove(extension == "zor" ? filePath : filePath + ".zor",
+	                         [this](std::FILE* file) { return privateSaveZORFile(file); });
+}
+} // namespace zortexture
