@@ -1,10 +1,9 @@
 /// @file DXGIFormatTable.h
 /// The DXGI_FORMAT numbers of formats, in both directions.
-#ifndef ZORT_DXGI_FORMAT_TABLE_H
-#define ZORT_DXGI_FORMAT_TABLE_H
+#pragma once
 
 #include "FormatConstants.h"
-#include "FormatTable.h"
+#include "FormatRows.h"
 
 namespace zortexture
 {
@@ -85,5 +84,3 @@ inline constexpr ReverseRow kDXGIReverseExceptions[] = {
     {DXGI_FORMAT_IA44, layout("ia", 4, 4), eVT_UnsignedByteNorm, eCS_lRGB},
 };
 } // namespace zortexture
-
-#endif // ZORT_DXGI_FORMAT_TABLE_H

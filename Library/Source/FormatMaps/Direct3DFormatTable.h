@@ -1,11 +1,10 @@
 /// @file Direct3DFormatTable.h
 /// The D3DFORMAT numbers of formats, in both directions. The directions differ in most channel types, so each has a
 /// table of its own.
-#ifndef ZORT_DIRECT3D_FORMAT_TABLE_H
-#define ZORT_DIRECT3D_FORMAT_TABLE_H
+#pragma once
 
 #include "FormatConstants.h"
-#include "FormatTable.h"
+#include "FormatRows.h"
 
 namespace zortexture
 {
@@ -134,5 +133,3 @@ inline constexpr Direct3DReverseRow kDirect3DReverse[] = {
     {fourCC("GRGB"), ePF_GRGB8888, eVT_UnsignedByteNorm, false},
 };
 } // namespace zortexture
-
-#endif // ZORT_DIRECT3D_FORMAT_TABLE_H

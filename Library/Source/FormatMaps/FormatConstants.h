@@ -1,7 +1,6 @@
 /// @file FormatConstants.h
 /// The published constants of the graphics APIs, by their own names.
-#ifndef ZORT_FORMAT_CONSTANTS_H
-#define ZORT_FORMAT_CONSTANTS_H
+#pragma once
 
 namespace zortexture
 {
@@ -9,5 +8,3 @@ namespace zortexture
 #include "FormatConstants.def"
 #undef ZORT_FORMAT_CONSTANT
 } // namespace zortexture
-
-#endif // ZORT_FORMAT_CONSTANTS_H

@@ -1,10 +1,9 @@
 /// @file OpenGLFormatTable.h
 /// The OpenGL names of formats, in both directions.
-#ifndef ZORT_OPENGL_FORMAT_TABLE_H
-#define ZORT_OPENGL_FORMAT_TABLE_H
+#pragma once
 
 #include "FormatConstants.h"
-#include "FormatTable.h"
+#include "FormatRows.h"
 
 namespace zortexture
 {
@@ -214,5 +213,3 @@ inline constexpr OpenGLUnsizedPair kOpenGLUnsizedPairs[] = {
     {GL_BGRA, GL_UNSIGNED_BYTE, layout("bgra", 8, 8, 8, 8), eVT_UnsignedByteNorm},
 };
 } // namespace zortexture
-
-#endif // ZORT_OPENGL_FORMAT_TABLE_H

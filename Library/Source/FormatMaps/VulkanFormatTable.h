@@ -1,10 +1,9 @@
 /// @file VulkanFormatTable.h
 /// The Vulkan numbers of formats, in both directions.
-#ifndef ZORT_VULKAN_FORMAT_TABLE_H
-#define ZORT_VULKAN_FORMAT_TABLE_H
+#pragma once
 
 #include "FormatConstants.h"
-#include "FormatTable.h"
+#include "FormatRows.h"
 
 namespace zortexture
 {
@@ -115,5 +114,3 @@ inline constexpr ReverseRow kVulkanReverseExceptions[] = {
     {VK_FORMAT_E5B9G9R9_UFLOAT_PACK32, ePF_R9G9B9E5, eVT_UnsignedFloat, eCS_lRGB},
 };
 } // namespace zortexture
-
-#endif // ZORT_VULKAN_FORMAT_TABLE_H

@@ -1,7 +1,6 @@
-/// @file FormatTable.h
+/// @file FormatRows.h
 /// The rows that the format tables are made of, and the search in them.
-#ifndef ZORT_FORMAT_TABLE_H
-#define ZORT_FORMAT_TABLE_H
+#pragma once
 
 #include <optional>
 #include <span>
@@ -109,5 +108,3 @@ std::optional<FormatDescription> findFormat(std::span<const ReverseRow> exceptio
 /// The row of a constant among the exceptions; null when it is none.
 const ReverseRow* findException(std::span<const ReverseRow> exceptions, unsigned int constant);
 } // namespace zortexture
-
-#endif // ZORT_FORMAT_TABLE_H

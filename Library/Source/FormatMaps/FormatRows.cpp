@@ -1,4 +1,4 @@
-#include "FormatTable.h"
+#include "FormatRows.h"
 
 #include <algorithm>
 
