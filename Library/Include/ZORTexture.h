@@ -82,8 +82,15 @@ private:
 	bool privateSaveCHeaderFile(std::FILE* stream, const std::string& name) const;
 	bool privateSaveLegacyZORFile(std::FILE* stream, ELegacyApi api) const;
 
-	unsigned long long m_dataSize = 0;      ///< bytes in the block
+	bool readKTXLevel(std::istream& stream, unsigned int level, bool isCubeMap);
+	void writeKTXLevel(std::ostream& stream, unsigned int level, bool isCubeMap) const;
+
+	/// Replaces the block by a zeroed one of the size that the header describes.
+	void allocateBlock();
+
+	unsigned long long m_dataSize = 0;      ///< bytes that a copy of this texture takes over
 	unsigned char* m_textureData = nullptr; ///< owned, from array new
+	unsigned long long m_blockSize = 0;     ///< bytes in the block, which m_dataSize does not count for a texture from fromASTC
 };
 } // namespace zortexture
 

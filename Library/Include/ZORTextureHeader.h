@@ -60,8 +60,8 @@ public:
 	bool isFileCompressed() const;
 	bool isPreMultiplied() const;
 
-	/// The OpenGL names of the format, the sized internal format among them. False, and nothing written, when there
-	/// are none.
+	/// The OpenGL names of the format, the sized internal format among them; see getOpenGLFormat for what is written when
+	/// there are none.
 	bool getOGLFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const;
 	/// The same with the base (unsized) internal format, as OpenGL ES wants it.
 	bool getOGLESFormat(unsigned int& internalFormat, unsigned int& format, unsigned int& type) const;
@@ -138,6 +138,8 @@ public:
 
 private:
 	friend class CZORTexture;
+
+	void setFormat(unsigned long long pixelFormat, EZORTVariableType channelType, EZORTColourSpace colourSpace);
 
 	/// The block of the library's own metadata under `key`; null when there is none.
 	const MetaDataBlock* findOwnMetaData(unsigned int key) const;

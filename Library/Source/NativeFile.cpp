@@ -133,6 +133,7 @@ bool CZORTexture::privateLoadZORFile(std::FILE* stream)
 	std::memset(block.get() + numRead, 0, dataSize - numRead);
 	delete[] m_textureData;
 	m_textureData = block.release();
+	m_blockSize = dataSize;
 	m_dataSize = dataSize;
 	return numRead > 0;
 }
@@ -179,6 +180,7 @@ CZORTexture::CZORTexture(const void* texture) : CZORTexture()
 	}
 	m_dataSize = getDataSize(-1, true, true);
 	m_textureData = new unsigned char[m_dataSize];
+	m_blockSize = m_dataSize;
 	std::memcpy(m_textureData, image + position, m_dataSize);
 }
 
@@ -198,6 +200,6 @@ bool CZORTexture::privateSaveZORFile(std::FILE* stream) const
 		}
 	}
 	const unsigned int dataSize = getDataSize(-1, true, true);
-	return dataSize <= m_dataSize && writeItem(stream, m_textureData, dataSize);
+	return dataSize <= m_blockSize && writeItem(stream, m_textureData, dataSize);
 }
 } // namespace zortexture

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "ContainerFiles.h"
+#include "StringUtils.h"
 #include "TextureSize.h"
 #include "ZORTexture.h"
 
@@ -25,22 +26,17 @@ std::string lowerCaseExtension(const std::string& path)
 	return extension;
 }
 
-/// The file's name without folders, up to its first dot.
-std::string arrayNameOf(const std::string& path)
-{
-	const std::size_t separator = path.find_last_of("/\\");
-	const std::string name = separator == std::string::npos ? path : path.substr(separator + 1);
-	return name.substr(0, name.find('.'));
-}
-
-std::unique_ptr<unsigned char[]> copyOfBlock(const unsigned char* block, unsigned long long size)
+/// A block of `size` bytes with the content of another one, as far as that goes; null for none.
+std::unique_ptr<unsigned char[]> copyOfBlock(const unsigned char* block, unsigned long long blockSize, unsigned long long size)
 {
 	if (block == nullptr)
 	{
 		return nullptr;
 	}
 	std::unique_ptr<unsigned char[]> copy(new unsigned char[size]);
-	std::memcpy(copy.get(), block, size);
+	const unsigned long long common = std::min(blockSize, size);
+	std::memcpy(copy.get(), block, common);
+	std::memset(copy.get() + common, 0, size - common);
 	return copy;
 }
 } // namespace
@@ -54,14 +50,17 @@ CZORTexture::CZORTexture(const CZORTextureHeader& header, const void* data)
 {
 	if (data == nullptr)
 	{
-		m_textureData = new unsigned char[m_dataSize]();
+		allocateBlock();
 		return;
 	}
-	m_textureData = copyOfBlock(static_cast<const unsigned char*>(data), m_dataSize).release();
+	m_textureData = copyOfBlock(static_cast<const unsigned char*>(data), m_dataSize, m_dataSize).release();
+	m_blockSize = m_dataSize;
 }
 
 CZORTexture::CZORTexture(const CZORTexture& other)
-    : CZORTextureHeader(other), m_dataSize(other.m_dataSize), m_textureData(copyOfBlock(other.m_textureData, other.m_dataSize).release())
+    : CZORTextureHeader(other), m_dataSize(other.m_dataSize),
+      m_textureData(copyOfBlock(other.m_textureData, other.m_blockSize, other.m_dataSize).release()),
+      m_blockSize(m_textureData == nullptr ? 0 : other.m_dataSize)
 {
 }
 
@@ -98,12 +97,22 @@ CZORTexture& CZORTexture::operator=(const CZORTexture& other)
 	{
 		return *this;
 	}
-	std::unique_ptr<unsigned char[]> block = copyOfBlock(other.m_textureData, other.m_dataSize);
+	std::unique_ptr<unsigned char[]> block = copyOfBlock(other.m_textureData, other.m_blockSize, other.m_dataSize);
 	CZORTextureHeader::operator=(other);
 	delete[] m_textureData;
 	m_textureData = block.release();
 	m_dataSize = other.m_dataSize;
+	m_blockSize = m_textureData == nullptr ? 0 : other.m_dataSize;
 	return *this;
+}
+
+void CZORTexture::allocateBlock()
+{
+	const unsigned long long size = getDataSize(-1, true, true);
+	unsigned char* const block = new unsigned char[size]();
+	delete[] m_textureData;
+	m_textureData = block;
+	m_blockSize = size;
 }
 
 CZORTexture::~CZORTexture()
@@ -132,7 +141,7 @@ void* CZORTexture::getDataPtr(unsigned int mipLevel, unsigned int arrayMember, u
 
 bool CZORTexture::isDataComplete() const
 {
-	return m_textureData != nullptr && isDataSizeExact(m_header) && getDataSize(-1, true, true) <= m_dataSize;
+	return m_textureData != nullptr && isDataSizeExact(m_header) && getDataSize(-1, true, true) <= m_blockSize;
 }
 
 void CZORTexture::addPaddingMetaData(unsigned int alignment)
@@ -165,8 +174,9 @@ bool CZORTexture::saveFile(const std::string& filePath) const
 	}
 	if (extension == "h")
 	{
-		return writeFileOrRemove(filePath,
-		                         [this, &filePath](std::FILE* file) { return privateSaveCHeaderFile(file, arrayNameOf(filePath)); });
+		const std::string fileName = StringUtils::getFileName(filePath);
+		const std::string arrayName = fileName.substr(0, fileName.find('.'));
+		return writeFileOrRemove(filePath, [&](std::FILE* file) { return privateSaveCHeaderFile(file, arrayName); });
 	}
 	return writeFileOrRemove(extension == "zor" ? filePath : filePath + ".zor",
 	                         [this](std::FILE* file) { return privateSaveZORFile(file); });
