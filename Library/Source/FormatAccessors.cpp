@@ -65,7 +65,7 @@ bool CZORTextureHeader::setD3DFormat(const unsigned int& format)
 	bool preMultiplied = isPreMultiplied();
 	const bool isKnown = getZorvexFormatD3D(pixelFormat, channelType, colourSpace, preMultiplied, format);
 	setFormat(pixelFormat, channelType, colourSpace);
-	// The flags are written for an unknown format too: all but the premultiplied bit are lost.
+	// The flags are written for an unknown format too, by the bit that the header had.
 	setIsPreMultiplied(preMultiplied);
 	return isKnown;
 }
