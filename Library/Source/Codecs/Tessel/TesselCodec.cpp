@@ -1,11 +1,39 @@
 #include "TesselCodec.h"
 
 #include <climits>
+#include <cstdint>
+#include <vector>
 
+#include "Pixel.h"
+#include "TesselPadding.h"
 #include "kiln/wrapper.h"
 
 namespace zortexture
 {
+namespace
+{
+/// Encodes an image of whole blocks; false on failure.
+using Encoder = bool (*)(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality);
+
+bool encodeFirstGenerationFast(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality)
+{
+	constexpr int kIterations[] = {0, 8};
+	// The image is only read: the parameter's type is that of a published function.
+	tesselCompressMW(const_cast<void*>(in), out, width, height, false, true, is2bpp, kIterations[quality]);
+	return true;
+}
+
+/// The encoder that serves a generation (version 0 or 1) and quality; null where there is none.
+Encoder encoderFor(unsigned version, bool /*is2bpp*/, unsigned quality)
+{
+	if (version == 0 && quality <= 1)
+	{
+		return encodeFirstGenerationFast;
+	}
+	return nullptr;
+}
+} // namespace
+
 unsigned int TesselDecompress(const void* compressed, void* pixels, const unsigned int& width, const unsigned int& height, bool is2bpp,
                               const unsigned int& version)
 {
@@ -28,19 +56,32 @@ unsigned int TesselDecompress(const void* compressed, void* pixels, const unsign
 }
 
 unsigned int TesselCompress(const void* in, void* out, const unsigned int& width, const unsigned int& height, bool /*hasAlpha*/,
-                            bool is2bpp, unsigned int version, unsigned int /*quality*/)
+                            bool is2bpp, unsigned int version, unsigned int quality)
 {
 	const unsigned padX = (0U - width) & (is2bpp ? 7U : 3U);
 	const unsigned padY = (0U - height) & 3U;
-	if ((padX != 0 || padY != 0) && version != 1)
+	const bool padding = padX != 0 || padY != 0;
+	if (padding && version != 1)
 	{
 		return 0;
 	}
-	const unsigned size = (width + padX) * (height + padY) * (is2bpp ? 2 : 4) / 8;
+	const std::uint64_t bytes = (std::uint64_t(width) + padX) * (std::uint64_t(height) + padY) / (is2bpp ? 4 : 2);
+	const unsigned size = static_cast<unsigned>(bytes);
 	if (in == nullptr || out == nullptr)
 	{
 		return size;
 	}
-	return 0;
+	const Encoder encode = encoderFor(version, is2bpp, quality);
+	// Sizes are counted in 32 bits: what would be written must not exceed what is reported.
+	if (encode == nullptr || bytes == 0 || bytes != size)
+	{
+		return 0;
+	}
+	if (!padding)
+	{
+		return encode(in, out, width, height, is2bpp, quality) ? size : 0;
+	}
+	const std::vector<Pixel<unsigned char>> padded = padTesselImage(in, width, height, padX, padY);
+	return encode(padded.data(), out, width + padX, height + padY, is2bpp, quality) ? size : 0;
 }
 } // namespace zortexture

@@ -1,0 +1,157 @@
+#include "TesselPlanes.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "TesselUpscale.h"
+
+namespace zortexture
+{
+namespace
+{
+unsigned luminance(const TesselPixel& pixel)
+{
+	return (30U * pixel.r + 59U * pixel.g + 11U * pixel.b) / 100;
+}
+
+template<int BlockWidth>
+void upscaleArea(unsigned p, unsigned q, unsigned r, unsigned s, TesselPixel* out)
+{
+	constexpr int kShift = BlockWidth == 8 ? 5 : 4;
+	upscaleTesselArea<BlockWidth>(unpackTesselColour(p), unpackTesselColour(q), unpackTesselColour(r), unpackTesselColour(s),
+	                              [out](int u, int v, const TesselColour& t)
+	                              {
+		                              const auto channel = [&t](unsigned c)
+		                              {
+			                              return static_cast<unsigned char>(t[c] >> kShift);
+		                              };
+		                              out[BlockWidth * v + u] = {channel(0), channel(1), channel(2), channel(3)};
+	                              });
+}
+
+template<int BlockWidth>
+void upscalePlane(const TesselPlanes& planes, const unsigned* colours, TesselPixel* upscaled)
+{
+	const std::int64_t numX = planes.blocksX;
+	const std::int64_t numY = planes.blocksY;
+	// -1 stands for the last block, the count for the first.
+	const auto wrap = [](std::int64_t position, std::int64_t count)
+	{
+		return position < 0 ? count - 1 : (position == count ? 0 : position);
+	};
+	for (std::int64_t by = -1; by < numY; ++by)
+	{
+		const TesselAreaSpan rows = tesselAreaSpan(by, 4, numY * 4);
+		const unsigned* upper = colours + wrap(by, numY) * numX;
+		const unsigned* lower = colours + wrap(by + 1, numY) * numX;
+		for (std::int64_t bx = -1; bx < numX; ++bx)
+		{
+			const TesselAreaSpan columns = tesselAreaSpan(bx, BlockWidth, numX * BlockWidth);
+			const std::int64_t left = wrap(bx, numX);
+			const std::int64_t right = wrap(bx + 1, numX);
+			TesselPixel area[BlockWidth * 4];
+			upscaleArea<BlockWidth>(upper[left], upper[right], lower[left], lower[right], area);
+			for (std::int64_t v = rows.first; v < rows.end; ++v)
+			{
+				TesselPixel* line = upscaled + (rows.origin + v) * planes.width + columns.origin;
+				std::copy(area + v * BlockWidth + columns.first, area + v * BlockWidth + columns.end, line + columns.first);
+			}
+		}
+	}
+}
+} // namespace
+
+unsigned calculateImageBlockErrorMeanSquared(const TesselPixel* a, const TesselPixel* b, unsigned count)
+{
+	unsigned error = 0;
+	for (unsigned i = 0; i < count; ++i)
+	{
+		error += squareColourDistance(a[i], b[i]);
+	}
+	return error;
+}
+
+void selectColoursAB_MaxDistance(const TesselPixel* pixels, unsigned count, unsigned& colourA, unsigned& colourB)
+{
+	unsigned best = 0;
+	unsigned first = 0;
+	unsigned second = 0;
+	for (unsigned i = 0; i < count; ++i)
+	{
+		for (unsigned j = i + 1; j < count; ++j)
+		{
+			const unsigned distance = squareColourDistance(pixels[i], pixels[j]);
+			if (distance > best)
+			{
+				best = distance;
+				first = i;
+				second = j;
+			}
+		}
+	}
+	colourA = packTesselPixel(pixels[first]);
+	colourB = packTesselPixel(pixels[second]);
+	const unsigned luminanceA = luminance(pixels[first]);
+	const unsigned luminanceB = luminance(pixels[second]);
+	if (luminanceA > luminanceB || (luminanceA == luminanceB && colourA > colourB))
+	{
+		std::swap(colourA, colourB);
+	}
+}
+
+void calculateColoursABForBlock(const TesselPlanes& planes, unsigned x, unsigned y, unsigned& colourA, unsigned& colourB,
+                                bool overlapWindow)
+{
+	const unsigned scale = overlapWindow ? 2 : 1;
+	const std::int64_t left = std::int64_t(x) * planes.blockWidth - (overlapWindow ? planes.blockWidth / 2 : 0);
+	const std::int64_t top = std::int64_t(y) * planes.blockHeight - (overlapWindow ? planes.blockHeight / 2 : 0);
+	const auto wrap = [](std::int64_t position, std::int64_t size)
+	{
+		return ((position % size) + size) % size;
+	};
+	TesselPixel window[4 * 32];
+	unsigned count = 0;
+	for (unsigned row = 0; row < planes.blockHeight * scale; ++row)
+	{
+		const TesselPixel* line = planes.image + wrap(top + row, planes.height) * planes.width;
+		for (unsigned column = 0; column < planes.blockWidth * scale; ++column)
+		{
+			window[count++] = line[wrap(left + column, planes.width)];
+		}
+	}
+	selectColoursAB_MaxDistance(window, count, colourA, colourB);
+}
+
+void calculateColoursAB(const TesselPlanes& planes, bool overlapWindow)
+{
+	std::size_t block = 0;
+	for (unsigned y = 0; y < planes.blocksY; ++y)
+	{
+		for (unsigned x = 0; x < planes.blocksX; ++x, ++block)
+		{
+			calculateColoursABForBlock(planes, x, y, planes.coloursA[block], planes.coloursB[block], overlapWindow);
+		}
+	}
+}
+
+void interpolateColours4x4_uint8(unsigned p, unsigned q, unsigned r, unsigned s, TesselPixel* out)
+{
+	upscaleArea<4>(p, q, r, s, out);
+}
+
+void interpolateColours8x4_uint8(unsigned p, unsigned q, unsigned r, unsigned s, TesselPixel* out)
+{
+	upscaleArea<8>(p, q, r, s, out);
+}
+
+void interpolateColoursAB(const TesselPlanes& planes)
+{
+	if (planes.blocksX == 0 || planes.blocksY == 0)
+	{
+		return;
+	}
+	const auto upscale = planes.blockWidth == 8 ? upscalePlane<8> : upscalePlane<4>;
+	upscale(planes, planes.coloursA, planes.upscaledA);
+	upscale(planes, planes.coloursB, planes.upscaledB);
+}
+} // namespace zortexture
