@@ -53,6 +53,9 @@ constexpr std::uint32_t getPremulIndex(std::uint32_t base, std::uint32_t table, 
 const std::uint16_t* valueTableUnsigned();
 const std::uint16_t* valueTableSigned();
 
+/// Writes bytes 2 to 7 of a block: the three-bit indices of the texels in column order.
+void packEacIndices(const unsigned int (&indices)[16], unsigned char* block);
+
 /// Decodes the 4 by 4 texels at (startX, startY) of an image of `width` values a row.
 void decompressBlockAlpha(const unsigned char* block, unsigned char* image, unsigned int width, unsigned int startX, unsigned int startY,
                           const AlphaTable& table);
@@ -65,8 +68,8 @@ void compressBlockAlphaFast(const unsigned char* source, unsigned int startX, un
 void compressBlockAlphaSlow(const unsigned char* source, unsigned int startX, unsigned int startY, unsigned int width, unsigned char* block,
                             const AlphaTable& table);
 
-/// Encodes 16-bit values by trying every parameter set. `step` is the number of values from one texel to the next (1 or 2), `width` a
-/// row's length in texels, `valueTable` the one of the same signedness.
+/// Encodes 16-bit values by trying every parameter set, bases outermost and multipliers innermost. `step` is the number of values from one
+/// texel to the next (1 or 2), `width` a row's length in texels, `valueTable` the one of the same signedness.
 void compressBlockAlpha16(const std::uint16_t* source, unsigned int step, unsigned int startX, unsigned int startY, unsigned int width,
                           unsigned char* block, bool isSigned, const std::uint16_t* valueTable);
 

@@ -26,6 +26,20 @@ void decodeTexels(const unsigned char* block, T* image, unsigned int width, unsi
 }
 } // namespace
 
+void packEacIndices(const unsigned int (&indices)[16], unsigned char* block)
+{
+	std::uint64_t packed = 0;
+	for (const unsigned int index : indices)
+	{
+		packed = (packed << 3) | index;
+	}
+	for (unsigned int byte = 7; byte >= 2; --byte)
+	{
+		block[byte] = static_cast<unsigned char>(packed);
+		packed >>= 8;
+	}
+}
+
 void decompressBlockAlpha(const unsigned char* block, unsigned char* image, unsigned int width, unsigned int startX, unsigned int startY,
                           const AlphaTable& table)
 {

@@ -1,0 +1,29 @@
+/// @file EtcLadder.h
+/// The choice of a block's mode at each search level: candidates of the fast searches are decoded, measured and compared.
+///
+/// `source` is an R, G, B image of `width` texels a row whose block at (startX, startY) is encoded, `decoded` a 4 by 4 buffer of 48
+/// bytes that the candidates share. The words come out in stored form.
+#pragma once
+
+namespace zortexture
+{
+/// What a quality of the encoder selects. The exhaustive levels have a second spelling, 4 and 5.
+inline constexpr int ETCQualityFast = 0;
+inline constexpr int ETCQualityFastPerceptual = 1;
+inline constexpr int ETCQualityExhaustive = 2;
+inline constexpr int ETCQualityExhaustivePerceptual = 3;
+
+/// The better of both fast individual and differential searches, the one by averages on a tie. Returns its error, in plain squares or
+/// in fractional perceptual ones.
+double compressBlockDiffFlipFast(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                 unsigned int startY, unsigned int& word1, unsigned int& word2);
+double compressBlockDiffFlipFastPerceptual(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                           unsigned int startY, unsigned int& word1, unsigned int& word2);
+
+/// The best of all ETC2 modes. `alpha` is read for ePF_ETC2_RGB_A1 alone; the image's height plays no part.
+void compressBlockETC2Fast(const unsigned char* source, const unsigned char* alpha, unsigned char* decoded, unsigned int width,
+                           unsigned int height, unsigned int startX, unsigned int startY, unsigned int& word1, unsigned int& word2,
+                           unsigned int format);
+void compressBlockETC2FastPerceptual(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                     unsigned int startY, unsigned int& word1, unsigned int& word2);
+} // namespace zortexture

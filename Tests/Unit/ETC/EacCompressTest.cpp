@@ -1,0 +1,317 @@
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include "Codecs/ETC/EacBlock.h"
+#include "EtcTestSupport.h"
+
+namespace zortexture
+{
+namespace
+{
+int modifier(int table, int index)
+{
+	return index < 4 ? alphaBase[table][3 - index] : -alphaBase[table][7 - index] - 1;
+}
+
+// ---- 16 bits: the search against one without any short cut.
+
+using Values16 = std::array<std::uint16_t, 16>;
+
+int value11(int base, int table, int multiplier, int index, bool isSigned)
+{
+	const int offset = modifier(table, index) * std::max(multiplier * 8, 1);
+	if (!isSigned)
+	{
+		const int value = std::clamp(base * 8 + 4 + offset, 0, 2047);
+		return value * 32 + value / 64;
+	}
+	const int value = std::clamp(std::max(base * 8 - 1024, -1016) + offset, -1023, 1023);
+	return value < 0 ? -(-value * 32 + -value / 32) : value * 32 + value / 32;
+}
+
+/// The whole error of a parameter set. A difference is a 16-bit number that wraps: its distance from 0 is at most 32768.
+std::int64_t wrappingError(const Values16& texels, const int (&candidates)[8])
+{
+	std::int64_t sum = 0;
+	for (const int texel : texels)
+	{
+		std::int64_t least = INT64_MAX;
+		for (const int candidate : candidates)
+		{
+			const int distance = std::abs((texel & 0xFFFF) - (candidate & 0xFFFF));
+			const std::int64_t wrapped = std::min(distance, 65536 - distance);
+			least = std::min(least, wrapped * wrapped);
+		}
+		sum += least;
+	}
+	return sum;
+}
+
+std::array<unsigned char, 8> bruteForce16(const Values16& texels, bool isSigned)
+{
+	std::int64_t least = INT64_MAX;
+	int best[3] = {0, 0, 0};
+	int candidates[8];
+	const auto decode = [&](int base, int table, int multiplier)
+	{
+		for (int index = 0; index < 8; ++index)
+		{
+			candidates[index] = value11(base, table, multiplier, index, isSigned);
+		}
+	};
+	for (int set = 0; set < 65536; ++set)
+	{
+		decode(set >> 8, (set >> 4) & 15, set & 15);
+		const std::int64_t error = wrappingError(texels, candidates);
+		if (error < least)
+		{
+			least = error;
+			best[0] = set >> 8;
+			best[1] = (set >> 4) & 15;
+			best[2] = set & 15;
+		}
+	}
+
+	decode(best[0], best[1], best[2]);
+	std::array<unsigned char, 8> block{};
+	block[0] = static_cast<unsigned char>(isSigned ? best[0] - 128 : best[0]);
+	block[1] = static_cast<unsigned char>(best[2] * 16 + best[1]);
+	for (unsigned int number = 0; number < 16; ++number)
+	{
+		const std::uint16_t pattern = texels[number % 4 * 4 + number / 4];
+		const int texel = isSigned ? static_cast<std::int16_t>(pattern) : pattern;
+		unsigned int nearest = 0;
+		for (unsigned int index = 1; index < 8; ++index)
+		{
+			// The choice of an index does not wrap; distances of 65025 and more do not count.
+			const int distance = std::min(std::abs(texel - candidates[index]), 65025);
+			nearest = distance < std::min(std::abs(texel - candidates[nearest]), 65025) ? index : nearest;
+		}
+		for (unsigned int bit = 0; bit < 3; ++bit)
+		{
+			const unsigned int position = number * 3 + bit;
+			block[2 + position / 8] |= static_cast<unsigned char>(((nearest >> (2 - bit)) & 1) << (7 - position % 8));
+		}
+	}
+	return block;
+}
+
+TEST(EacCompress16, GivesTheBlockOfTheSearchWithoutShortCuts)
+{
+	std::mt19937 random(11);
+	std::vector<Values16> blocks;
+	for (int round = 0; round < 3; ++round)
+	{
+		Values16 noise;
+		std::generate(noise.begin(), noise.end(), [&] { return static_cast<std::uint16_t>(random()); });
+		blocks.push_back(noise);
+		blocks.push_back(etctest::smoothBlock<std::uint16_t>(random, 65535));
+		blocks.push_back(etctest::smoothBlock<std::uint16_t>(random, 3000));
+	}
+	Values16 ends; // both ends of the range, where differences wrap
+	for (unsigned int i = 0; i < 16; ++i)
+	{
+		const std::uint16_t values[4] = {0x0000, 0xFFFF, 0x8000, 0x7FFF};
+		ends[i] = values[i * 7 / 3 % 4];
+	}
+	blocks.push_back(ends);
+	blocks.push_back(Values16{});
+
+	for (const Values16& texels : blocks)
+	{
+		for (const bool isSigned : {false, true})
+		{
+			std::array<unsigned char, 8> block{};
+			compressBlockAlpha16(texels.data(), 1, 0, 0, 4, block.data(), isSigned, isSigned ? valueTableSigned() : valueTableUnsigned());
+			ASSERT_EQ(block, bruteForce16(texels, isSigned)) << "signed " << isSigned << ", first texel " << texels[0];
+		}
+	}
+}
+
+TEST(EacCompress16, ReadsTheTexelsOfItsChannelAndPlace)
+{
+	std::mt19937 random(12);
+	std::vector<std::uint16_t> image(9 * 7 * 2);
+	std::generate(image.begin(), image.end(), [&] { return static_cast<std::uint16_t>(random()); });
+	Values16 texels;
+	for (unsigned int i = 0; i < 16; ++i)
+	{
+		texels[i] = image[((3 + i / 4) * 9 + 5 + i % 4) * 2 + 1];
+	}
+	std::array<unsigned char, 8> inImage{};
+	std::array<unsigned char, 8> alone{};
+	compressBlockAlpha16(image.data() + 1, 2, 5, 3, 9, inImage.data(), false, valueTableUnsigned());
+	compressBlockAlpha16(texels.data(), 1, 0, 0, 4, alone.data(), false, valueTableUnsigned());
+	EXPECT_EQ(inImage, alone);
+}
+
+TEST(EacCompress16, ErrorsWrapAndStopAtTheBound)
+{
+	// Base 0, table 0, multiplier 15 holds the values 0 and 53914, among others; 65535 is one step below 0.
+	Values16 texels;
+	texels.fill(65535);
+	EXPECT_EQ(calcError(texels.data(), 1, 0, 0, 4, 0, 0, 15, 1e12, valueTableUnsigned(), false), 16.0);
+	EXPECT_EQ(calcError(texels.data(), 1, 0, 0, 4, 0, 0, 15, 16.0, valueTableUnsigned(), false), 16.0 + 1073741824.0);
+	EXPECT_EQ(calcError(texels.data(), 1, 0, 0, 4, 0, 0, 15, 17.0, valueTableUnsigned(), false), 16.0);
+
+	// An exact set exists, but only after sets of error 0 in the nesting: the first of them wins.
+	std::array<unsigned char, 8> block{};
+	compressBlockAlpha16(texels.data(), 1, 0, 0, 4, block.data(), false, valueTableUnsigned());
+	std::uint16_t decoded[16];
+	decompressBlockAlpha16bit(block.data(), decoded, 4, 0, 0, false);
+	EXPECT_TRUE(std::all_of(decoded, decoded + 16, [](std::uint16_t value) { return value == 65535; }));
+}
+
+// ---- 8 bits: the passes told plainly.
+
+using Values8 = std::array<unsigned char, 16>;
+
+int entry(int row, int index)
+{
+	return modifier(row & 15, index) * (row >> 4);
+}
+
+int squareOf(int base, int row, int index, int texel)
+{
+	const int difference = std::clamp(base + entry(row, index), 0, 255) - texel;
+	return difference * difference;
+}
+
+/// The texel's error as a search step sees it: a walk outwards in, down one side of the sorted entries.
+int walkedError(int base, int row, int texel, bool slow)
+{
+	const bool below = base >= texel;
+	const std::array<int, 4> order = below ? std::array<int, 4>{0, 1, 2, 3} : std::array<int, 4>{7, 6, 5, 4};
+	int error = squareOf(base, row, order[0], texel);
+	for (unsigned int step = 1; step < 4; ++step)
+	{
+		const int next = squareOf(base, row, order[step], texel);
+		if (below ? next >= error : next > error)
+		{
+			break;
+		}
+		error = next;
+	}
+	return below && slow ? std::min(error, squareOf(base, row, 4, texel)) : error;
+}
+
+std::array<unsigned char, 8> passes8(const Values8& texels, bool slow)
+{
+	int total = 0;
+	for (const int texel : texels)
+	{
+		total += texel;
+	}
+	const int average = (total + 8) / 16;
+	int spread = 0;
+	for (const int texel : texels)
+	{
+		spread = std::max(spread, std::abs(texel - average));
+	}
+	const int middle = std::min(spread * 255 / 160 - 4, 255);
+	const int first = slow ? 0 : std::max(middle - 15, 0);
+	const int end = slow ? 256 : std::min(middle + 15, 255);
+
+	int bestSum = 1000000000;
+	int bestBase = 128;
+	int bestRow = -3;
+	for (int row = first; row < end && bestSum > 0; ++row)
+	{
+		int rowSum = 1000000000;
+		int centre = average;
+		int rowBase = average;
+		for (int pass = 0; pass < 3; ++pass)
+		{
+			const int scale = pass == 0 ? (slow ? 32 : 16) : (pass == 1 ? 4 : 1);
+			const int reach = (slow || pass == 0 ? 4 : 2) * scale;
+			const int last = std::clamp(centre + reach, 0, 255);
+			for (int base = std::clamp(centre - reach, 0, 255); base <= last; base += scale)
+			{
+				int sum = 0;
+				for (const int texel : texels)
+				{
+					sum += walkedError(base, row, texel, slow);
+				}
+				// In the fast search a sum above the best of all rows so far was given up before its end.
+				if (sum < rowSum && (slow || sum <= bestSum))
+				{
+					rowSum = sum;
+					rowBase = base;
+				}
+			}
+			centre = rowBase;
+		}
+		if (rowSum < bestSum)
+		{
+			bestSum = rowSum;
+			bestBase = rowBase;
+			bestRow = row;
+		}
+	}
+
+	std::array<unsigned char, 8> block{static_cast<unsigned char>(bestBase), static_cast<unsigned char>(bestRow)};
+	std::uint64_t packed = 0;
+	for (unsigned int number = 0; number < 16; ++number)
+	{
+		int nearest = 0;
+		for (int index = 1; index < 8; ++index)
+		{
+			const int texel = texels[number % 4 * 4 + number / 4];
+			nearest = squareOf(bestBase, bestRow, index, texel) < squareOf(bestBase, bestRow, nearest, texel) ? index : nearest;
+		}
+		packed = packed * 8 + static_cast<unsigned int>(nearest);
+	}
+	for (unsigned int byte = 0; byte < 6; ++byte)
+	{
+		block[7 - byte] = static_cast<unsigned char>(packed >> (8 * byte));
+	}
+	return block;
+}
+
+TEST(EacCompress8, FollowsThePasses)
+{
+	std::mt19937 random(13);
+	for (int round = 0; round < 120; ++round)
+	{
+		Values8 texels = etctest::smoothBlock<unsigned char>(random, 255);
+		if (round % 3 == 0)
+		{
+			std::generate(texels.begin(), texels.end(), [&] { return static_cast<unsigned char>(random()); });
+		}
+		else if (round % 3 == 1)
+		{
+			// A cut-out: two values with an edge between them.
+			const unsigned int edge = random() % 17;
+			const auto low = static_cast<unsigned char>(random());
+			const auto high = static_cast<unsigned char>(random());
+			std::fill(texels.begin(), texels.begin() + edge, low);
+			std::fill(texels.begin() + edge, texels.end(), high);
+		}
+		std::array<unsigned char, 8> block{};
+		compressBlockAlphaFast(texels.data(), 0, 0, 4, block.data(), alphaTable);
+		ASSERT_EQ(block, passes8(texels, false)) << "fast, round " << round;
+		if (round % 4 == 0)
+		{
+			compressBlockAlphaSlow(texels.data(), 0, 0, 4, block.data(), alphaTable);
+			ASSERT_EQ(block, passes8(texels, true)) << "slow, round " << round;
+		}
+	}
+}
+
+TEST(EacCompress8, MeetsABlockOfOneValueAtTheFirstRow)
+{
+	for (const int value : {0, 1, 77, 254, 255})
+	{
+		Values8 texels;
+		texels.fill(static_cast<unsigned char>(value));
+		for (const auto compress : {compressBlockAlphaFast, compressBlockAlphaSlow})
+		{
+			std::array<unsigned char, 8> block{};
+			compress(texels.data(), 0, 0, 4, block.data(), alphaTable);
+			const std::array<unsigned char, 8> expected{static_cast<unsigned char>(value)};
+			EXPECT_EQ(block, expected);
+		}
+	}
+}
+} // namespace
+} // namespace zortexture
