@@ -4,9 +4,13 @@
 #define ZORTEXLIB_H
 
 #include "Channels.h"
+#include "Comparison.h"
 #include "ETCCodec.h"
 #include "FormatMaps.h"
+#include "Geometry.h"
 #include "LegacyTexture.h"
+#include "MIPMaps.h"
+#include "NormalMap.h"
 #include "Pixel.h"
 #include "PixelEncoder.h"
 #include "PixelType.h"
