@@ -1,0 +1,81 @@
+#include "CodecDispatch.h"
+
+#include "ETCCodec.h"
+#include "SimpleCodecs.h"
+#include "TesselCodec.h"
+
+namespace zortexture
+{
+namespace
+{
+/// What the entry points of the Tessel codec want to know of a format.
+struct STesselVariant
+{
+	bool hasAlpha;
+	bool is2bpp;
+	unsigned int version;
+};
+
+constexpr STesselVariant kTesselVariants[] = {
+    {false, true, 0},  // ePF_TesselI_2bpp_RGB
+    {true, true, 0},   // ePF_TesselI_2bpp_RGBA
+    {false, false, 0}, // ePF_TesselI_4bpp_RGB
+    {true, false, 0},  // ePF_TesselI_4bpp_RGBA
+    {false, true, 1},  // ePF_TesselII_2bpp
+    {false, false, 1}, // ePF_TesselII_4bpp
+};
+} // namespace
+
+unsigned int decodeImage(const SCodecImage& image)
+{
+	switch (getCodecType(image.format))
+	{
+	case eCodecTessel:
+	{
+		const STesselVariant& variant = kTesselVariants[image.format];
+		return TesselDecompress(image.source, image.destination, image.width, image.height, variant.is2bpp, variant.version);
+	}
+	case eCodecETC:
+		return ETCDecompress(image.source, image.destination, image.width, image.height, image.format, false);
+	case eCodecEAC:
+		return ETCDecompress(image.source, image.destination, image.width, image.height, image.format, image.isSigned);
+	case eCodecYUV:
+		return YUVDecompress(image.source, image.destination, image.width, image.height, image.format);
+	case eCodecRGBG:
+		return RGBGDecompress(image.source, image.destination, image.width, image.height, image.format);
+	case eCodecOneBPP:
+		return OneBPPDecompress(image.source, image.destination, image.width, image.height);
+	case eCodecSharedExponent:
+		return RGB9E5Decompress(image.source, image.destination, image.width, image.height);
+	default:
+		return 0;
+	}
+}
+
+unsigned int encodeImage(const SCodecImage& image)
+{
+	switch (getCodecType(image.format))
+	{
+	case eCodecTessel:
+	{
+		const STesselVariant& variant = kTesselVariants[image.format];
+		return TesselCompress(image.source, image.destination, image.width, image.height, variant.hasAlpha, variant.is2bpp, variant.version,
+		                      static_cast<unsigned int>(image.quality));
+	}
+	case eCodecETC:
+		return ETCCompress(image.source, image.destination, image.width, image.height, image.quality, image.format, false);
+	case eCodecEAC:
+		return ETCCompress(image.source, image.destination, image.width, image.height, image.quality, image.format, image.isSigned);
+	case eCodecYUV:
+		return YUVCompress(image.source, image.destination, image.width, image.height, image.format);
+	case eCodecRGBG:
+		return RGBGCompress(image.source, image.destination, image.width, image.height, image.format);
+	case eCodecOneBPP:
+		return OneBPPCompress(image.source, image.destination, image.width, image.height);
+	case eCodecSharedExponent:
+		return RGB9E5Compress(image.source, image.destination, image.width, image.height);
+	default:
+		return 0;
+	}
+}
+} // namespace zortexture

@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "Transcode.h"
+
+namespace zortexture
+{
+namespace
+{
+/// Bits of red, green, blue and alpha.
+using Depths = std::array<unsigned char, 4>;
+
+/// By format number; formats above the last one are not dithered.
+constexpr Depths kCompressedDepths[] = {
+    {5, 5, 5, 0},    // Tessel I 2bpp RGB
+    {4, 4, 4, 3},    // Tessel I 2bpp RGBA
+    {5, 5, 5, 0},    // Tessel I 4bpp RGB
+    {4, 4, 4, 3},    // Tessel I 4bpp RGBA
+    {4, 4, 4, 3},    // Tessel II 2bpp
+    {4, 4, 4, 3},    // Tessel II 4bpp
+    {4, 4, 4, 4},    // ETC1
+    {5, 6, 5, 1},    // DXT1
+    {5, 6, 5, 8},    // DXT2
+    {5, 6, 5, 8},    // DXT3
+    {5, 6, 5, 8},    // DXT4
+    {5, 6, 5, 8},    // DXT5
+    {8, 0, 0, 0},    // BC4
+    {8, 8, 0, 0},    // BC5
+    {16, 16, 16, 0}, // BC6
+    {8, 8, 8, 0},    // BC7
+    {8, 8, 8, 0},    // UYVY
+    {8, 8, 8, 0},    // YUY2
+    {1, 1, 1, 0},    // one bit per pixel
+    {14, 14, 14, 0}, // shared exponent
+    {8, 8, 8, 0},    // RGBG
+    {8, 8, 8, 0},    // GRGB
+    {4, 4, 4, 0},    // ETC2 RGB
+    {4, 4, 4, 4},    // ETC2 RGBA
+    {5, 5, 5, 1},    // ETC2 RGB, one-bit alpha
+    {11, 0, 0, 0},   // EAC R11
+    {11, 11, 0, 0},  // EAC RG11
+};
+
+Depths depthsOf(PixelType target)
+{
+	if (target.isCompressed())
+	{
+		return target.id < std::size(kCompressedDepths) ? kCompressedDepths[target.id] : Depths{};
+	}
+	Depths depths{};
+	for (unsigned int position = 0; position < 4; ++position)
+	{
+		const unsigned char bits = target.channelBits[position];
+		switch (MapCharToEnum(target.channelName[position]))
+		{
+		case eCh_Red:
+			depths[0] = bits;
+			break;
+		case eCh_Green:
+			depths[1] = bits;
+			break;
+		case eCh_Blue:
+			depths[2] = bits;
+			break;
+		case eCh_Alpha:
+		case eCh_Unused:
+			depths[3] = bits;
+			break;
+		case eCh_Luminance:
+		case eCh_Intensity:
+			depths[0] = depths[1] = depths[2] = bits;
+			break;
+		default:
+			break;
+		}
+	}
+	return depths;
+}
+
+void addError(unsigned char& value, int error)
+{
+	value = static_cast<unsigned char>(std::clamp(value + error, 0, 255));
+}
+
+/// Reduces one channel, whose values lie four bytes apart, to its top `depth` bits, repeated downward. Half of the error
+/// goes to the right, a quarter below and a quarter below right, within a slice. Columns are walked outermost, which
+/// decides which neighbours have received error already.
+void ditherChannel(unsigned char* channel, unsigned int depth, std::size_t width, std::size_t height, std::size_t slices)
+{
+	constexpr std::size_t kStep = 4;
+	const int mask = 0xFF << (8 - depth) & 0xFF;
+	const std::size_t row = width * kStep;
+	for (std::size_t x = 0; x < width; ++x)
+	{
+		const bool hasRight = x + 1 < width;
+		for (std::size_t y = 0; y < height; ++y)
+		{
+			const bool hasBelow = y + 1 < height;
+			for (std::size_t z = 0; z < slices; ++z)
+			{
+				unsigned char* const pixel = channel + ((z * height + y) * width + x) * kStep;
+				const int value = *pixel;
+				const int reduced = std::min((value & mask) + (value >> depth), 255);
+				*pixel = static_cast<unsigned char>(reduced);
+				const int error = value - reduced;
+				if (hasRight)
+				{
+					addError(pixel[kStep], error / 2);
+				}
+				if (hasRight && hasBelow)
+				{
+					addError(pixel[row + kStep], error / 4);
+				}
+				if (hasBelow)
+				{
+					addError(pixel[row], error / 4);
+				}
+			}
+		}
+	}
+}
+} // namespace
+
+void Dither(unsigned char* data, PixelType target, unsigned int width, unsigned int height, unsigned int depth)
+{
+	if (data == nullptr)
+	{
+		return;
+	}
+	const Depths depths = depthsOf(target);
+	for (unsigned int channel = 0; channel < depths.size(); ++channel)
+	{
+		if (depths[channel] > 0 && depths[channel] < 8)
+		{
+			ditherChannel(data + channel, depths[channel], width, height, depth);
+		}
+	}
+}
+} // namespace zortexture

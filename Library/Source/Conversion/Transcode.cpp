@@ -1,0 +1,127 @@
+#include "Transcode.h"
+
+#include "Channels.h"
+#include "Processing/ElementDispatch.h"
+
+namespace zortexture
+{
+namespace
+{
+/// Targets of at least this many bits per pixel are not dithered.
+constexpr unsigned int kUnditheredBits = 32;
+
+/// The channel that a grey target holds; eCh_None for others.
+EChannelName greyChannelOf(PixelType target)
+{
+	if (target.isCompressed())
+	{
+		return target.id == ePF_BW1bpp ? eCh_Intensity : eCh_None;
+	}
+	EChannelName grey = eCh_None;
+	for (const unsigned char letter : target.channelName)
+	{
+		const EChannelName channel = MapCharToEnum(letter);
+		if (channel == eCh_Intensity || (channel == eCh_Luminance && grey == eCh_None))
+		{
+			grey = channel;
+		}
+	}
+	return grey;
+}
+
+/// An 8-bit copy of a texture in its own colour space, dithered to the depths of a target.
+CZORTexture makeDitheredCopy(CZORTexture& texture, CPixelEncoder& sourceEncoder, CPixelEncoder& encoder8, PixelType target)
+{
+	CZORTextureHeader header(texture.getHeader());
+	header.setPixelFormat(ZORStandard8PixelType);
+	header.setChannelType(eVT_UnsignedByteNorm);
+	CZORTexture copy(header);
+	if (!copy.isDataComplete())
+	{
+		return copy;
+	}
+	TranscodeTrivial(texture, copy, sourceEncoder, encoder8, header.getColourSpace(), header.getColourSpace());
+
+	EChannelName grey = greyChannelOf(target);
+	const PixelType bumpWithLuminance('l', 'g', 'r', 0, 6, 5, 5, 0); // its luminance stands beside two colours
+	if (grey != eCh_None && target.id != bumpWithLuminance.id)
+	{
+		EChannelName colours[] = {eCh_Red, eCh_Green, eCh_Blue};
+		EChannelName greys[] = {grey, grey, grey};
+		CopyChannels(copy, copy, 3, colours, greys);
+	}
+	forEachImage(copy,
+	             [&](unsigned int mipLevel, unsigned int arrayMember, unsigned int face)
+	             {
+		             Dither(static_cast<unsigned char*>(copy.getDataPtr(mipLevel, arrayMember, face)), target, copy.getWidth(mipLevel),
+		                    copy.getHeight(mipLevel), copy.getDepth(mipLevel));
+	             });
+	return copy;
+}
+} // namespace
+
+bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
+               ECompressorQuality quality, bool dither)
+{
+	if (target.id == ePF_NumCompressedPFs || texture.getDataSize(-1, true, true) == 0 || !texture.isDataComplete())
+	{
+		return false;
+	}
+
+	bool isWhole = true;
+	if (texture.getPixelType().isCompressed())
+	{
+		const unsigned int bytesDecoded = DecompressNonTrivial(texture);
+		if (texture.getPixelType().isCompressed())
+		{
+			return false; // the decoded form is larger than a texture can be
+		}
+		isWhole = texture.getDataSize(-1, true, true) == bytesDecoded;
+	}
+	CPixelEncoder sourceEncoder(texture.getPixelType(), texture.getChannelType());
+
+	if (dither && ZORTGetBitsPerPixel(target.id) < kUnditheredBits)
+	{
+		CPixelEncoder encoder8(ZORStandard8PixelType, eVT_UnsignedByteNorm);
+		const CZORTexture dithered = makeDitheredCopy(texture, sourceEncoder, encoder8, target);
+		if (!dithered.isDataComplete())
+		{
+			return false;
+		}
+		texture = dithered;
+		sourceEncoder = encoder8;
+	}
+
+	const EZORTColourSpace sourceSpace = texture.getColourSpace();
+	if (texture.getChannelType() == channelType && sourceSpace == colourSpace && texture.getPixelType().id == target.id)
+	{
+		return isWhole; // already there
+	}
+
+	CZORTextureHeader header(texture.getHeader());
+	PixelType workingType = target;
+	EZORTVariableType workingChannelType = channelType;
+	if (target.isCompressed())
+	{
+		IntermediateTranscodeFormat(target, channelType, workingType, workingChannelType);
+	}
+	header.setPixelFormat(workingType);
+	header.setChannelType(workingChannelType);
+	header.setColourSpace(colourSpace);
+	CZORTexture converted(header);
+	if (!converted.isDataComplete())
+	{
+		return false;
+	}
+	CPixelEncoder targetEncoder(workingType, workingChannelType);
+	TranscodeTrivial(texture, converted, sourceEncoder, targetEncoder, colourSpace, sourceSpace);
+
+	if (target.isCompressed())
+	{
+		const unsigned int bytesEncoded = CompressNonTrivial(converted, target, quality);
+		isWhole = isWhole && converted.getDataSize(-1, true, true) == bytesEncoded && converted.getPixelType().id == target.id;
+	}
+	texture = converted;
+	return isWhole;
+}
+} // namespace zortexture
