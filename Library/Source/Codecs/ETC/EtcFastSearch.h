@@ -6,44 +6,39 @@
 /// planar blocks give the packed form that the stuffing functions take.
 ///
 /// Errors come on three scales that are never compared with each other by a search:
-/// - plain: dR*dR + dG*dG + dB*dB, at most kEtcErrorCeiling a block;
+/// - plain: dR*dR + dG*dG + dB*dB, at most kBlockErrorCeiling a block;
 /// - perceptual: the same squares weighted 0.299, 0.587, 0.114, in floating point ("Perceptual", "percep");
-/// - scaled perceptual: weighted 299, 587, 114, in integers, at most kEtcErrorCeiling1000 a block ("percep1000",
+/// - scaled perceptual: weighted 299, 587, 114, in integers, at most kBlockErrorCeilingPerceptual1000 a block ("percep1000",
 ///   "perceptual1000").
 #pragma once
 
-#include <cstdint>
-
-#include "ZORTExport.h"
-
 namespace zortexture
 {
-/// Plain error of a block that is wrong by 255 in every channel of every texel.
-inline constexpr std::uint32_t kEtcErrorCeiling = 3121200;
-/// The same on the scaled perceptual scale.
-inline constexpr std::uint32_t kEtcErrorCeiling1000 = 1040400000;
-
 /// Two colours, R, G, B each: of 8 bits or packed to the 4 bits of T and H blocks, as the function says.
-using EtcColourPair = std::uint8_t[2][3];
+using EtcColourPair = unsigned char[2][3];
 /// The four colours that a texel of a T or H block can take, by stored index.
-using EtcPaintColours = std::uint8_t[4][3];
+using EtcPaintColours = unsigned char[4][3];
 
 // ---- Block errors. `decoded` is the 4 x 4 block as decoded, 12 bytes a row.
 
 /// Plain error of a decoded block.
-double calcBlockErrorRGB(const std::uint8_t* source, const std::uint8_t* decoded, int width, int startX, int startY);
+double calcBlockErrorRGB(const unsigned char* source, const unsigned char* decoded, unsigned int width, unsigned int startX,
+                         unsigned int startY);
 /// Perceptual error of a decoded block, in double precision and not scaled.
-double calcBlockPerceptualErrorRGB(const std::uint8_t* source, const std::uint8_t* decoded, int width, int startX, int startY);
+double calcBlockPerceptualErrorRGB(const unsigned char* source, const unsigned char* decoded, unsigned int width, unsigned int startX,
+                                   unsigned int startY);
 /// Plain error over the texels whose alpha is 129 or more. The alpha plane has one byte a pixel and the source's width.
-double calcBlockErrorRGBA(const std::uint8_t* source, const std::uint8_t* decoded, const std::uint8_t* alpha, int width, int startX,
-                          int startY);
+double calcBlockErrorRGBA(const unsigned char* source, const unsigned char* decoded, const unsigned char* alpha, unsigned int width,
+                          unsigned int startX, unsigned int startY);
 /// True if any of the block's 16 alpha bytes is below 128.
-bool hasAlpha(const std::uint8_t* alpha, int startX, int startY, int width);
+bool hasAlpha(const unsigned char* alpha, unsigned int startX, unsigned int startY, unsigned int width);
 
 // ---- Means of the half blocks of 2 x 4 (width x height) and 4 x 2 texels, and their quantisation.
 
-void computeAverageColor2x4noQuantFloat(const std::uint8_t* source, int width, int startX, int startY, float (&mean)[3]);
-void computeAverageColor4x2noQuantFloat(const std::uint8_t* source, int width, int startX, int startY, float (&mean)[3]);
+void computeAverageColor2x4noQuantFloat(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                        float (&mean)[3]);
+void computeAverageColor4x2noQuantFloat(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                        float (&mean)[3]);
 
 /// Quantises a mean to 4 or 5 bits a channel so that the errors of the three channels differ least: what they have in
 /// common is a change of brightness, which the modifiers can take back, while their differences are a tint, which stays.
@@ -56,60 +51,61 @@ void quantize555ColorCombinedPerceptual(const float (&mean)[3], int (&quantised)
 // ---- The index bits of texel (x, y) of the half stand at bit x*4 + y of both results, so those of a 4 x 2 half reach bit 13.
 
 /// The nearest of the row's four colours for every texel, the lower modifier on a tie; returns the summed error.
-std::int32_t compressBlockWithTable2x4(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3],
-                                       int row, std::uint32_t& highBits, std::uint32_t& lowBits);
-std::int32_t compressBlockWithTable4x2(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3],
-                                       int row, std::uint32_t& highBits, std::uint32_t& lowBits);
-float compressBlockWithTable2x4percep(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3], int row,
-                                      std::uint32_t& highBits, std::uint32_t& lowBits);
-float compressBlockWithTable4x2percep(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3], int row,
-                                      std::uint32_t& highBits, std::uint32_t& lowBits);
-std::uint32_t compressBlockWithTable2x4percep1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                  const std::uint8_t (&base)[3], int row, std::uint32_t& highBits, std::uint32_t& lowBits);
-std::uint32_t compressBlockWithTable4x2percep1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                  const std::uint8_t (&base)[3], int row, std::uint32_t& highBits, std::uint32_t& lowBits);
+unsigned int compressBlockWithTable2x4(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                       const unsigned char (&base)[3], int row, unsigned int& highBits, unsigned int& lowBits);
+unsigned int compressBlockWithTable4x2(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                       const unsigned char (&base)[3], int row, unsigned int& highBits, unsigned int& lowBits);
+float compressBlockWithTable2x4percep(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                      const unsigned char (&base)[3], int row, unsigned int& highBits, unsigned int& lowBits);
+float compressBlockWithTable4x2percep(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                      const unsigned char (&base)[3], int row, unsigned int& highBits, unsigned int& lowBits);
+unsigned int compressBlockWithTable2x4percep1000(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                                 const unsigned char (&base)[3], int row, unsigned int& highBits, unsigned int& lowBits);
+unsigned int compressBlockWithTable4x2percep1000(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                                 const unsigned char (&base)[3], int row, unsigned int& highBits, unsigned int& lowBits);
 
 /// The best of the eight tables, the first on a tie; `table` is the codeword 0 to 7. Returns its error.
-std::int32_t tryalltables_3bittable2x4(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3],
-                                       std::uint32_t& table, std::uint32_t& highBits, std::uint32_t& lowBits);
-std::int32_t tryalltables_3bittable4x2(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3],
-                                       std::uint32_t& table, std::uint32_t& highBits, std::uint32_t& lowBits);
-float tryalltables_3bittable2x4percep(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3],
-                                      std::uint32_t& table, std::uint32_t& highBits, std::uint32_t& lowBits);
-float tryalltables_3bittable4x2percep(const std::uint8_t* source, int width, int startX, int startY, const std::uint8_t (&base)[3],
-                                      std::uint32_t& table, std::uint32_t& highBits, std::uint32_t& lowBits);
-std::uint32_t tryalltables_3bittable2x4percep1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                  const std::uint8_t (&base)[3], std::uint32_t& table, std::uint32_t& highBits,
-                                                  std::uint32_t& lowBits);
-std::uint32_t tryalltables_3bittable4x2percep1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                  const std::uint8_t (&base)[3], std::uint32_t& table, std::uint32_t& highBits,
-                                                  std::uint32_t& lowBits);
+unsigned int tryalltables_3bittable2x4(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                       const unsigned char (&base)[3], unsigned int& table, unsigned int& highBits, unsigned int& lowBits);
+unsigned int tryalltables_3bittable4x2(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                       const unsigned char (&base)[3], unsigned int& table, unsigned int& highBits, unsigned int& lowBits);
+float tryalltables_3bittable2x4percep(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                      const unsigned char (&base)[3], unsigned int& table, unsigned int& highBits, unsigned int& lowBits);
+float tryalltables_3bittable4x2percep(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                      const unsigned char (&base)[3], unsigned int& table, unsigned int& highBits, unsigned int& lowBits);
+unsigned int tryalltables_3bittable2x4percep1000(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                                 const unsigned char (&base)[3], unsigned int& table, unsigned int& highBits,
+                                                 unsigned int& lowBits);
+unsigned int tryalltables_3bittable4x2percep1000(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                                 const unsigned char (&base)[3], unsigned int& table, unsigned int& highBits,
+                                                 unsigned int& lowBits);
 
 // ---- Individual and differential blocks. The words are as stored; the caller decodes them to learn their error.
 
 /// Base colours are the rounded means of the halves.
-void compressBlockDiffFlipAverage(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1,
-                                  std::uint32_t& word2);
+void compressBlockDiffFlipAverage(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                  unsigned int& word1, unsigned int& word2);
 /// The same with tables chosen by perceptual error.
-void compressBlockDiffFlipAveragePerceptual(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1,
-                                            std::uint32_t& word2);
+void compressBlockDiffFlipAveragePerceptual(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                            unsigned int& word1, unsigned int& word2);
 /// Base colours are the jointly quantised means of the halves.
-void compressBlockDiffFlipCombined(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1,
-                                   std::uint32_t& word2);
+void compressBlockDiffFlipCombined(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                   unsigned int& word1, unsigned int& word2);
 /// The same with quantisation and tables chosen by perceptual error.
-void compressBlockDiffFlipCombinedPerceptual(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1,
-                                             std::uint32_t& word2);
+void compressBlockDiffFlipCombinedPerceptual(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                             unsigned int& word1, unsigned int& word2);
 
 /// The differential block of the one-bit-alpha format. `isTransparent` picks between a block that may hold transparent texels (opaque
 /// bit 0: one modifier less) and an opaque one; texels of alpha below 128 take the transparent index and add no error in
 /// both. Returns the plain error over the others.
-std::int32_t compressBlockDifferentialWithAlpha(bool isTransparent, const std::uint8_t* source, const std::uint8_t* alpha, int width,
-                                                int startX, int startY, std::uint32_t& word1, std::uint32_t& word2);
+int compressBlockDifferentialWithAlpha(bool isTransparent, const unsigned char* source, const unsigned char* alpha, unsigned int width,
+                                       unsigned int startX, unsigned int startY, unsigned int& word1, unsigned int& word2);
 
 // ---- Planar blocks.
 
 /// The planar block, in packed form, whose plane fits the texels best by least squares.
-void compressBlockPlanar57(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1, std::uint32_t& word2);
+void compressBlockPlanar57(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY, unsigned int& word1,
+                           unsigned int& word2);
 
 /// A matrix of `height` rows and `width` columns, row-major.
 struct dMatrix
@@ -127,16 +123,19 @@ void transposeMatrix(dMatrix* matrix);
 
 // ---- Two representative colours of a block, 8 bits a channel, by randomly seeded clustering (see EtcClustering.cpp).
 
-void computeColorLBG(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours);
-void computeColorLBGfast(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours);
-void computeColorLBGNotIntensity(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours);
-void computeColorLBGNotIntensityFast(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours);
-void computeColorLBGHalfIntensityFast(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours);
+void computeColorLBG(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY, EtcColourPair& colours);
+void computeColorLBGfast(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY, EtcColourPair& colours);
+void computeColorLBGNotIntensity(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                 EtcColourPair& colours);
+void computeColorLBGNotIntensityFast(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                     EtcColourPair& colours);
+void computeColorLBGHalfIntensityFast(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                      EtcColourPair& colours);
 
 // ---- Companions of the T and H searches.
 
-/// Two colours of 8 bits to the given depths.
-void compressColor(int bitsR, int bitsG, int bitsB, const EtcColourPair& colours, EtcColourPair& packed);
+/// Two colours of 8 bits to the given depths, at most 8 bits a channel.
+void compressColor(unsigned int bitsR, unsigned int bitsG, unsigned int bitsB, const EtcColourPair& colours, EtcColourPair& packed);
 void copyColors(const EtcColourPair& source, EtcColourPair& destination);
 void swapColors(EtcColourPair& colours);
 /// Orders two 4-bit colours, read as 12-bit numbers, the lower first; equal ones are pulled apart by one step, since in an
@@ -145,70 +144,71 @@ void sortColorsRGB444(EtcColourPair& colours);
 
 /// The four colours of a T or H block from its two colours in 8 bits. The pattern has to be kEtcPatternT or kEtcPatternH;
 /// with any other one only the fourth colour is set, and a line goes to standard output.
-void calculatePaintColors59T(std::uint32_t distance, std::uint32_t pattern, const EtcColourPair& colours, EtcPaintColours& paint);
-void calculatePaintColors58H(std::uint32_t distance, std::uint32_t pattern, const EtcColourPair& colours, EtcPaintColours& paint);
-inline constexpr std::uint32_t kEtcPatternH = 0;
-inline constexpr std::uint32_t kEtcPatternT = 1;
+void calculatePaintColors59T(unsigned int distance, unsigned int pattern, const EtcColourPair& colours, EtcPaintColours& paint);
+void calculatePaintColors58H(unsigned int distance, unsigned int pattern, const EtcColourPair& colours, EtcPaintColours& paint);
+inline constexpr unsigned int kEtcPatternH = 0;
+inline constexpr unsigned int kEtcPatternT = 1;
 
 /// The stored index word from indices of two bits in raster order, the first texel in the top bits.
-std::uint32_t indexConversion(std::uint32_t indices);
+unsigned int indexConversion(unsigned int indices);
 /// Packs T form and index word. `indices` is in raster order.
-void packBlock59T(const EtcColourPair& colours, std::uint32_t distance, std::uint32_t indices, std::uint32_t& word1, std::uint32_t& word2);
+void packBlock59T(const EtcColourPair& colours, unsigned int distance, unsigned int indices, unsigned int& word1, unsigned int& word2);
 /// Packs H form and index word from colours in ascending order: the low bit of the distance is put into the order of
 /// the stored colours, and the indices follow an exchange. `indices` is in raster order.
-void packBlock58H(const EtcColourPair& colours, std::uint32_t distance, std::uint32_t indices, std::uint32_t& word1, std::uint32_t& word2);
+void packBlock58H(const EtcColourPair& colours, unsigned int distance, unsigned int indices, unsigned int& word1, unsigned int& word2);
 
 // ---- The best distance and the indices (raster order) for given 4-bit colours; returns their error.
 
 /// Tries both orders of the colours and leaves them in the better one, the given one on a tie.
-std::uint32_t calculateError59T(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours,
-                                std::uint32_t& distance, std::uint32_t& indices);
-std::uint32_t calculateError59Tperceptual1000(const std::uint8_t* source, int width, int startX, int startY, EtcColourPair& colours,
-                                              std::uint32_t& distance, std::uint32_t& indices);
+unsigned int calculateError59T(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                               EtcColourPair& colours, unsigned int& distance, unsigned int& indices);
+unsigned int calculateError59Tperceptual1000(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                             EtcColourPair& colours, unsigned int& distance, unsigned int& indices);
 /// Texels of alpha 0 add no error and take index 2; all others keep clear of it.
-std::uint32_t calculateError59TAlpha(const std::uint8_t* source, const std::uint8_t* alpha, int width, int startX, int startY,
-                                     EtcColourPair& colours, std::uint32_t& distance, std::uint32_t& indices);
+unsigned int calculateError59TAlpha(const unsigned char* source, const unsigned char* alpha, unsigned int width, unsigned int startX,
+                                    unsigned int startY, EtcColourPair& colours, unsigned int& distance, unsigned int& indices);
 /// Only the given order of the colours.
-std::uint32_t calculateError59TnoSwap(const std::uint8_t* source, int width, int startX, int startY, const EtcColourPair& colours,
-                                      std::uint32_t& distance, std::uint32_t& indices);
-std::uint32_t calculateError59TnoSwapPerceptual1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                    const EtcColourPair& colours, std::uint32_t& distance, std::uint32_t& indices);
+unsigned int calculateError59TnoSwap(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                     const EtcColourPair& colours, unsigned int& distance, unsigned int& indices);
+unsigned int calculateError59TnoSwapPerceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
+                                                   unsigned int startY, const EtcColourPair& colours, unsigned int& distance,
+                                                   unsigned int& indices);
 
-std::uint32_t calculateErrorAndCompress58H(const std::uint8_t* source, int width, int startX, int startY, const EtcColourPair& colours,
-                                           std::uint32_t& distance, std::uint32_t& indices);
-std::uint32_t calculateErrorAndCompress58Hperceptual1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                         const EtcColourPair& colours, std::uint32_t& distance, std::uint32_t& indices);
+unsigned int calculateErrorAndCompress58H(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                          const EtcColourPair& colours, unsigned int& distance, unsigned int& indices);
+unsigned int calculateErrorAndCompress58Hperceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
+                                                        unsigned int startY, const EtcColourPair& colours, unsigned int& distance,
+                                                        unsigned int& indices);
 /// Texels of alpha 0 are matched, with every index but the one that packBlock58H turns into 2; all others add no error
 /// and take that one. A texel of an alpha other than 0 and 255 is reported on standard output.
-std::uint32_t calculateErrorAndCompress58HAlpha(const std::uint8_t* source, const std::uint8_t* alpha, int width, int startX, int startY,
-                                                const EtcColourPair& colours, std::uint32_t& distance, std::uint32_t& indices);
+unsigned int calculateErrorAndCompress58HAlpha(const unsigned char* source, const unsigned char* alpha, unsigned int width,
+                                               unsigned int startX, unsigned int startY, const EtcColourPair& colours,
+                                               unsigned int& distance, unsigned int& indices);
 
 // ---- T blocks, in packed form. All return their error, on the scale of their name.
 
 /// From one clustering.
-double compressBlockTHUMB59TFastest(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1,
-                                    std::uint32_t& word2);
-std::uint32_t compressBlockTHUMB59TFastestPerceptual1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                         std::uint32_t& word1, std::uint32_t& word2);
+double compressBlockTHUMB59TFastest(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                    unsigned int& word1, unsigned int& word2);
+unsigned int compressBlockTHUMB59TFastestPerceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
+                                                        unsigned int startY, unsigned int& word1, unsigned int& word2);
 /// The best of three clusterings.
-double compressBlockTHUMB59TFast(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1, std::uint32_t& word2);
+double compressBlockTHUMB59TFast(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                 unsigned int& word1, unsigned int& word2);
 /// For the one-bit-alpha format: texels of alpha 0 are transparent.
-double compressBlockTHUMB59TAlpha(const std::uint8_t* source, const std::uint8_t* alpha, int width, int startX, int startY,
-                                  std::uint32_t& word1, std::uint32_t& word2);
+double compressBlockTHUMB59TAlpha(const unsigned char* source, const unsigned char* alpha, unsigned int width, unsigned int startX,
+                                  unsigned int startY, unsigned int& word1, unsigned int& word2);
 
-/// The two colours that the T search of that name chooses, as R<<8 | G<<4 | B.
-ZORT_API double compressBlockTHUMB59TFastestOnlyColor(const std::uint8_t* source, int width, int startX, int startY,
-                                                      std::uint32_t (&colours)[2]);
-ZORT_API std::uint32_t compressBlockTHUMB59TFastestOnlyColorPerceptual1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                                           std::uint32_t (&colours)[2]);
+// Their OnlyColor forms are public, see ETCCodec.h.
 
 // ---- H blocks, likewise.
 
-double compressBlockTHUMB58HFastest(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1,
-                                    std::uint32_t& word2);
-std::uint32_t compressBlockTHUMB58HFastestPerceptual1000(const std::uint8_t* source, int width, int startX, int startY,
-                                                         std::uint32_t& word1, std::uint32_t& word2);
-double compressBlockTHUMB58HFast(const std::uint8_t* source, int width, int startX, int startY, std::uint32_t& word1, std::uint32_t& word2);
-double compressBlockTHUMB58HAlpha(const std::uint8_t* source, const std::uint8_t* alpha, int width, int startX, int startY,
-                                  std::uint32_t& word1, std::uint32_t& word2);
+double compressBlockTHUMB58HFastest(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                    unsigned int& word1, unsigned int& word2);
+unsigned int compressBlockTHUMB58HFastestPerceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
+                                                        unsigned int startY, unsigned int& word1, unsigned int& word2);
+double compressBlockTHUMB58HFast(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                 unsigned int& word1, unsigned int& word2);
+double compressBlockTHUMB58HAlpha(const unsigned char* source, const unsigned char* alpha, unsigned int width, unsigned int startX,
+                                  unsigned int startY, unsigned int& word1, unsigned int& word2);
 } // namespace zortexture
