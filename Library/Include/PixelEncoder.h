@@ -94,7 +94,33 @@ public:
 	int ResizeSInt(const int& value, const unsigned char& sourceBits, const unsigned char& targetBits) const;
 
 private:
+	/// What a destination's luminance, intensity and missing colour channels receive.
+	struct SGreyValues
+	{
+		float luminance = 0.0f;
+		float intensity = 0.0f;
+		float grey = 0.0f;
+	};
+
 	void Initialise(const unsigned char (&bits)[4], const EChannelName (&names)[4]);
+
+	/// The position of a channel, or -1.
+	int PositionOf(EChannelName channel) const;
+	bool HasChannel(EChannelName channel) const;
+
+	/// Whether integer channels are read as elements, not as bit fields.
+	bool ReadsElements() const;
+	std::uint64_t ReadUnsigned(int position) const;
+	std::int32_t ReadSigned(int position) const;
+	float ReadFloat(int position) const;
+
+	/// Stores the low bits of an integer as an element or into a bit field.
+	void WriteInteger(int position, std::uint32_t value);
+	/// Writes one channel by the rule of the channel type.
+	void SetChannel(EChannelName channel, float value);
+	/// The same with the channel's largest value.
+	void SetOpaque(EChannelName channel);
+	void DeriveGrey(const CPixelEncoder& source, SGreyValues& values) const;
 
 	std::uint32_t m_error;
 	EZORTVariableType m_variableType;
