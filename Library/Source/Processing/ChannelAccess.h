@@ -47,7 +47,7 @@ inline bool isChannelList(const Entry* list, unsigned int count)
 	return list != nullptr || count == 0;
 }
 
-/// Pixels in one slice-by-slice image of a level.
+/// Pixels of one image of a level.
 inline std::size_t pixelCount(const CZORTextureHeader& header, unsigned int mipLevel)
 {
 	return static_cast<std::size_t>(header.getWidth(mipLevel)) * header.getHeight(mipLevel) * header.getDepth(mipLevel);

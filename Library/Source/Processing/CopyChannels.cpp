@@ -3,7 +3,7 @@
 #include "ChannelAccess.h"
 #include "Channels.h"
 #include "ElementDispatch.h"
-#include "Resampling.h"
+#include "StandardTexture.h"
 
 namespace zortexture
 {
@@ -68,12 +68,6 @@ bool haveSameShape(const CZORTextureHeader& a, const CZORTextureHeader& b)
 	       a.getNumArrayMembers() == b.getNumArrayMembers() && a.getNumMIPLevels() == b.getNumMIPLevels() &&
 	       a.getNumFaces() == b.getNumFaces();
 }
-
-/// Whether a texture is in a standard layout and can be walked.
-bool isUsable(const CZORTexture& texture)
-{
-	return isStandardPixelType(texture.getPixelType(), texture.getChannelType()) && texture.isDataComplete();
-}
 } // namespace
 
 template<typename S, typename D>
@@ -105,7 +99,7 @@ bool CopyChannels(Pixel<S>* source, Pixel<D>* destination, const unsigned int& w
 bool CopyChannels(CZORTexture& destination, const CZORTexture& source, unsigned int numChannels, EChannelName* destinationChannels,
                   EChannelName* sourceChannels)
 {
-	if (!isUsable(destination) || !isUsable(source) || !haveSameShape(destination, source) ||
+	if (!isProcessable(destination) || !isProcessable(source) || !haveSameShape(destination, source) ||
 	    !isChannelList(destinationChannels, numChannels) || !isChannelList(sourceChannels, numChannels))
 	{
 		return false;
