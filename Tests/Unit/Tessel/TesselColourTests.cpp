@@ -108,8 +108,10 @@ TEST(TesselColours, UpscaleEqualsTheProductForm)
 	std::mt19937 random(11);
 	for (const unsigned blockWidth : {4U, 8U})
 	{
-		for (const auto& [numX, numY] : {std::pair(1U, 1U), std::pair(2U, 3U), std::pair(5U, 1U)})
+		for (const auto& blocks : {std::pair(1U, 1U), std::pair(2U, 3U), std::pair(5U, 1U)})
 		{
+			const unsigned numX = blocks.first;
+			const unsigned numY = blocks.second;
 			const unsigned width = numX * blockWidth;
 			const unsigned height = numY * 4;
 			const std::vector<TesselPixel> image = randomImage(width, height, 1);

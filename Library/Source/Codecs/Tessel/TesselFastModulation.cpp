@@ -209,18 +209,18 @@ void fitWeights(const Tessel4bppRecord& record, float* out)
 void packModulation(const Tessel2bppRecord& record, TesselBlockWords& block)
 {
 	unsigned word = 0;
-	for (unsigned y = 0; y < 4; ++y)
+	for (unsigned i = 0; i < 32; ++i)
 	{
-		for (unsigned x = 0; x < 8; ++x)
+		const unsigned x = i % 8;
+		const unsigned y = i / 8;
+		if (record.mode == eTesselMode_Direct)
 		{
-			if (record.mode == eTesselMode_Direct)
-			{
-				word |= (record.direct[8 * y + x] == 3 ? 1U : 0U) << (8 * y + x);
-			}
-			else if (((x ^ y) & 1) == 0)
-			{
-				word |= unsigned(record.interpolated[8 * y + x]) << (8 * y + 2 * (x / 2));
-			}
+			const bool lit = record.direct[i] == 3;
+			word |= unsigned(lit) << i;
+		}
+		else if (((x ^ y) & 1) == 0)
+		{
+			word |= unsigned(record.interpolated[i]) << (8 * y + 2 * (x / 2));
 		}
 	}
 	constexpr unsigned kOneDirection = 1U;
