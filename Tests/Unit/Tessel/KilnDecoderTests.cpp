@@ -86,7 +86,7 @@ TEST(KilnDecoder, ClampedEdgesLeaveTheInteriorAlone)
 		{
 			for (int x = half; x < 32 - half; ++x)
 			{
-				const auto offset = static_cast<std::ptrdiff_t>(4 * (y * 32 + x));
+				const std::ptrdiff_t offset = 4 * (std::ptrdiff_t(y) * 32 + x);
 				ASSERT_TRUE(std::equal(wrapped.begin() + offset, wrapped.begin() + offset + 4, clamped.begin() + offset)) << x << "," << y;
 			}
 		}

@@ -48,8 +48,8 @@ TEST(TesselColours, PicksTheFarthestPair)
 	    {"alpha is a channel", {{0, 0, 0, 0}, {100, 0, 0, 0}, {0, 0, 0, 100}}, rgba(0, 0, 0, 100), rgba(100, 0, 0, 0)},
 	    // Alpha counts for the distance, not for the luminance: equal luminance, the smaller packed value is A.
 	    {"equal luminance", {{7, 7, 7, 200}, {7, 7, 7, 100}}, rgba(7, 7, 7, 100), rgba(7, 7, 7, 200)},
-	    // (30 * 3 + 59 * 0 + 11 * 1) / 100 is 1, as is that of (0, 1, 4): integer luminances tie although the sums differ.
-	    {"luminance is an integer", {{0, 1, 4, 0}, {3, 0, 1, 0}}, rgba(3, 0, 1, 0), rgba(0, 1, 4, 0)},
+	    // 30 and 22 hundredths: as integers both luminances are 0, and the packed values decide the other way.
+	    {"luminance is an integer", {{0, 0, 2, 0}, {1, 0, 0, 0}}, rgba(1, 0, 0, 0), rgba(0, 0, 2, 0)},
 	};
 	for (const auto& test : cases)
 	{
@@ -67,7 +67,7 @@ TEST(TesselColours, WindowWrapsHalfABlockAround)
 	std::vector<unsigned char> grey(std::size_t(16) * 16 * 4, 128);
 	const auto set = [&grey](unsigned x, unsigned y, unsigned char value)
 	{
-		std::fill_n(grey.begin() + static_cast<std::ptrdiff_t>(4 * (y * 16 + x)), 3, value);
+		std::fill_n(grey.begin() + 4 * (std::ptrdiff_t(y) * 16 + x), 3, value);
 	};
 	set(14, 14, 0);
 	set(5, 5, 255);
@@ -95,12 +95,14 @@ TEST(TesselColours, WindowWrapsHalfABlockAround)
 		EXPECT_EQ(b, test.b) << test.x << " " << test.overlap;
 	}
 	// At 2bpp the flag of preprocess is ignored.
-	Tessel2bppCompressor plain(grey.data(), 16, 16);
-	Tessel2bppCompressor overlap(grey.data(), 16, 16);
-	plain.preprocess(false);
-	overlap.preprocess(true);
-	EXPECT_EQ(plain.coloursA, overlap.coloursA);
-	EXPECT_EQ(plain.coloursB, overlap.coloursB);
+	const std::vector<TesselPixel> noise = randomImage(16, 8, 2);
+	Tessel2bppCompressor two(noise.data(), 16, 8);
+	two.preprocess(true);
+	unsigned a = 0;
+	unsigned b = 0;
+	two.calculateColoursABForBlock(1, 1, a, b, false);
+	EXPECT_EQ(two.coloursA[3], a);
+	EXPECT_EQ(two.coloursB[3], b);
 }
 
 TEST(TesselColours, UpscaleEqualsTheProductForm)
@@ -213,4 +215,18 @@ TEST(TesselFit, FlatModulationMovesBothEndsTogether)
 	fitTesselColours(block, weights.data(), 32, 128.0F, a, b);
 	EXPECT_EQ(a, rgba(170, 50, 0, 0));
 	EXPECT_EQ(b, rgba(185, 50, 0, 0));
+	// A remaining distance below 1 counts as none: at weight 1/4 a residual of 18.59375 (3 pixels of 32 one higher) gives
+	// a = 113.945 and b = 114.648; an eighth of their distance would lift a to 114.
+	weights.assign(32, 0.25F);
+	for (unsigned i = 0; i < 32; ++i)
+	{
+		block.a[i].r = 100;
+		block.b[i].r = 110;
+		block.image[i].r = i < 3 ? 122 : 121;
+	}
+	a = rgba(100, 50, 0, 0);
+	b = rgba(110, 50, 0, 0);
+	fitTesselColours(block, weights.data(), 32, 128.0F, a, b);
+	EXPECT_EQ(a, rgba(113, 50, 0, 0));
+	EXPECT_EQ(b, rgba(114, 50, 0, 0));
 }
