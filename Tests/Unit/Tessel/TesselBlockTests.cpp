@@ -107,29 +107,6 @@ TEST(TesselBlock, StoresWordsLittleEndianAndModulationByPixel)
 	EXPECT_EQ(block.getColourWord(), 0x08070604U);
 }
 
-TEST(TesselTwiddle, InterleavesWithYBelow)
-{
-	// 4 x 2 blocks: x1 x0 y0 with x0 above y0; what remains of x stands above.
-	const std::size_t wide[2][4] = {{0, 2, 4, 6}, {1, 3, 5, 7}};
-	const std::size_t tall[4][2] = {{0, 2}, {1, 3}, {4, 6}, {5, 7}};
-	for (unsigned y = 0; y < 4; ++y)
-	{
-		for (unsigned x = 0; x < 4; ++x)
-		{
-			if (y < 2)
-			{
-				EXPECT_EQ(twiddledBlockIndex(4, 2, x, y), wide[y][x]);
-			}
-			if (x < 2)
-			{
-				EXPECT_EQ(twiddledBlockIndex(2, 4, x, y), tall[y][x]);
-			}
-		}
-	}
-	// One block past the data where the counts are no powers of two.
-	EXPECT_EQ(twiddledBlockIndex(6, 6, 5, 5), 51U);
-}
-
 TEST(TesselTwiddle, EqualsTheListOfBits)
 {
 	for (unsigned numY = 1; numY <= 19; ++numY)
@@ -146,7 +123,10 @@ TEST(TesselTwiddle, EqualsTheListOfBits)
 			}
 		}
 	}
-	// The widest coordinates.
+	// y0 below x0 below what remains of x; one place past the data where counts are no powers of two; the widest coordinates.
+	EXPECT_EQ(twiddledBlockIndex(4, 2, 1, 0), 2U);
+	EXPECT_EQ(twiddledBlockIndex(4, 2, 2, 1), 5U);
+	EXPECT_EQ(twiddledBlockIndex(6, 6, 5, 5), 51U);
 	EXPECT_EQ(twiddledBlockIndex(0xFFFFFFFFU, 0xFFFFFFFFU, 0xFFFFFFFFU, 0xFFFFFFFFU), 0xFFFFFFFFFFFFFFFFULL);
 	EXPECT_EQ(twiddledBlockIndex(1, 0xFFFFFFFFU, 0, 0xFFFFFFFEU), 0xFFFFFFFEULL);
 }
