@@ -50,19 +50,23 @@ enum ECompressorQuality : int
 /// Converts a texture in place to any pixel format, channel type and colour space, through the codecs where source or
 /// target is compressed. Metadata, level counts, orientation and premultiplication are carried across.
 /// @param dither  spread the quantisation error, for targets below 32 bits per pixel.
-/// @return true when every stage delivered all bytes. False with the texture unchanged when the target is no format or the
-///         texture has no (or not all of its) data; false with the texture replaced when a codec failed (its levels are zero then).
+/// @return true when every stage delivered all bytes. False with the texture unchanged when the target is no format, the
+///         texture has no (or not all of its) data, or a form on the way is larger than a texture can be; false with the
+///         texture replaced when a codec failed (what it did not write is zero then).
 ZORT_API bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
                         ECompressorQuality quality = eQuality_0, bool dither = false);
 
-/// Decodes a compressed texture in place to the intermediate form of its format. Returns the bytes that the codecs reported.
+/// Decodes a compressed texture in place to the intermediate form of its format. Returns the bytes that the codecs reported;
+/// 0, with the texture unchanged, when it is not compressed, lacks data or is too large when decoded.
 ZORT_API unsigned int DecompressNonTrivial(CZORTexture& texture);
 
-/// Encodes a texture, which must be in the intermediate form of `target`, in place. Returns the bytes that the codecs reported.
+/// Encodes a texture, which must be in the intermediate form of `target`, in place. Returns the bytes that the codecs reported;
+/// 0, with the texture unchanged, when the target is not compressed, the texture is in another form or lacks data.
 ZORT_API unsigned int CompressNonTrivial(CZORTexture& texture, PixelType target, ECompressorQuality quality);
 
 /// Converts every pixel of `source` into `destination`, a texture of the same shape, through two encoders of their layouts.
-/// Returns the destination's bytes per pixel times the pixels converted.
+/// Returns the destination's bytes per pixel times the pixels converted. Where shapes or layouts disagree, as many pixels
+/// as both textures hold; none when one of them lacks data.
 ZORT_API unsigned int TranscodeTrivial(CZORTexture& source, CZORTexture& destination, CPixelEncoder& sourceEncoder,
                                        CPixelEncoder& destinationEncoder, EZORTColourSpace targetSpace, EZORTColourSpace sourceSpace);
 

@@ -6,6 +6,7 @@
 
 #include "CodecDispatch.h"
 #include "Processing/ElementDispatch.h"
+#include "TextureSize.h"
 
 namespace zortexture
 {
@@ -84,11 +85,11 @@ unsigned int DecompressNonTrivial(CZORTexture& texture)
 	CZORTextureHeader header(texture.getHeader());
 	header.setPixelFormat(intermediate);
 	header.setChannelType(intermediateType);
-	CZORTexture decoded(header);
-	if (!format.isCompressed() || !texture.isDataComplete() || !decoded.isDataComplete())
+	if (!format.isCompressed() || !texture.isDataComplete() || !isDataSizeExact(header.getFileHeader()))
 	{
 		return 0;
 	}
+	CZORTexture decoded(header);
 
 	const std::size_t bytesPerPixel = decoded.getBitsPerPixel() / 8;
 	// Tessel and one-bit decoders write just the level's own pixels, whatever its size.
@@ -133,15 +134,12 @@ unsigned int CompressNonTrivial(CZORTexture& texture, PixelType target, ECompres
 	IntermediateTranscodeFormat(target, texture.getChannelType(), intermediate, intermediateType);
 	CZORTextureHeader header(texture.getHeader());
 	header.setPixelFormat(target);
+	if (!target.isCompressed() || texture.getPixelType().id != intermediate.id || !texture.isDataComplete() ||
+	    !isDataSizeExact(header.getFileHeader()))
+	{
+		return 0;
+	}
 	CZORTexture encoded(header);
-	if (!target.isCompressed() || texture.getPixelType().id != intermediate.id || !texture.isDataComplete())
-	{
-		return 0;
-	}
-	if (!encoded.isDataComplete())
-	{
-		return 0;
-	}
 
 	const std::size_t bytesPerPixel = texture.getBitsPerPixel() / 8;
 	auto* const block = static_cast<unsigned char*>(texture.getDataPtr(0, 0, 0));

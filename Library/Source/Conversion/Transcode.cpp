@@ -2,6 +2,7 @@
 
 #include "Channels.h"
 #include "Processing/ElementDispatch.h"
+#include "TextureSize.h"
 
 namespace zortexture
 {
@@ -29,6 +30,14 @@ EChannelName greyChannelOf(PixelType target)
 	return grey;
 }
 
+/// Whether a texture of this shape in a format is within the size that a texture can have.
+bool isStorable(const CZORTextureHeader& shape, PixelType format)
+{
+	ZORTextureHeaderV3 header = shape.getFileHeader();
+	header.pixelFormat = format.id;
+	return isDataSizeExact(header);
+}
+
 /// An 8-bit copy of a texture in its own colour space, dithered to the depths of a target.
 CZORTexture makeDitheredCopy(CZORTexture& texture, CPixelEncoder& sourceEncoder, CPixelEncoder& encoder8, PixelType target)
 {
@@ -36,10 +45,6 @@ CZORTexture makeDitheredCopy(CZORTexture& texture, CPixelEncoder& sourceEncoder,
 	header.setPixelFormat(ZORStandard8PixelType);
 	header.setChannelType(eVT_UnsignedByteNorm);
 	CZORTexture copy(header);
-	if (!copy.isDataComplete())
-	{
-		return copy;
-	}
 	TranscodeTrivial(texture, copy, sourceEncoder, encoder8, header.getColourSpace(), header.getColourSpace());
 
 	EChannelName grey = greyChannelOf(target);
@@ -68,27 +73,43 @@ bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channel
 		return false;
 	}
 
+	// The form that pixels are converted to: the target itself, or what its codec takes.
+	PixelType workingType = target;
+	EZORTVariableType workingChannelType = channelType;
+	if (target.isCompressed())
+	{
+		IntermediateTranscodeFormat(target, channelType, workingType, workingChannelType);
+	}
+
+	// Every form on the way must be storable, before any of them replaces the texture.
+	const bool isDithered = dither && ZORTGetBitsPerPixel(target.id) < kUnditheredBits;
+	if (texture.getPixelType().isCompressed())
+	{
+		PixelType decodedType;
+		EZORTVariableType decodedChannelType = eVT_UnsignedByteNorm;
+		IntermediateTranscodeFormat(texture.getPixelType(), texture.getChannelType(), decodedType, decodedChannelType);
+		if (!isStorable(texture, decodedType))
+		{
+			return false;
+		}
+	}
+	if ((isDithered && !isStorable(texture, ZORStandard8PixelType)) || !isStorable(texture, workingType) || !isStorable(texture, target))
+	{
+		return false;
+	}
+
 	bool isWhole = true;
 	if (texture.getPixelType().isCompressed())
 	{
 		const unsigned int bytesDecoded = DecompressNonTrivial(texture);
-		if (texture.getPixelType().isCompressed())
-		{
-			return false; // the decoded form is larger than a texture can be
-		}
 		isWhole = texture.getDataSize(-1, true, true) == bytesDecoded;
 	}
 	CPixelEncoder sourceEncoder(texture.getPixelType(), texture.getChannelType());
 
-	if (dither && ZORTGetBitsPerPixel(target.id) < kUnditheredBits)
+	if (isDithered)
 	{
 		CPixelEncoder encoder8(ZORStandard8PixelType, eVT_UnsignedByteNorm);
-		const CZORTexture dithered = makeDitheredCopy(texture, sourceEncoder, encoder8, target);
-		if (!dithered.isDataComplete())
-		{
-			return false;
-		}
-		texture = dithered;
+		texture = makeDitheredCopy(texture, sourceEncoder, encoder8, target);
 		sourceEncoder = encoder8;
 	}
 
@@ -99,27 +120,17 @@ bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channel
 	}
 
 	CZORTextureHeader header(texture.getHeader());
-	PixelType workingType = target;
-	EZORTVariableType workingChannelType = channelType;
-	if (target.isCompressed())
-	{
-		IntermediateTranscodeFormat(target, channelType, workingType, workingChannelType);
-	}
 	header.setPixelFormat(workingType);
 	header.setChannelType(workingChannelType);
 	header.setColourSpace(colourSpace);
 	CZORTexture converted(header);
-	if (!converted.isDataComplete())
-	{
-		return false;
-	}
 	CPixelEncoder targetEncoder(workingType, workingChannelType);
 	TranscodeTrivial(texture, converted, sourceEncoder, targetEncoder, colourSpace, sourceSpace);
 
 	if (target.isCompressed())
 	{
 		const unsigned int bytesEncoded = CompressNonTrivial(converted, target, quality);
-		isWhole = isWhole && converted.getDataSize(-1, true, true) == bytesEncoded && converted.getPixelType().id == target.id;
+		isWhole = isWhole && converted.getDataSize(-1, true, true) == bytesEncoded;
 	}
 	texture = converted;
 	return isWhole;
