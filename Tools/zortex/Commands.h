@@ -1,0 +1,39 @@
+/// @file Commands.h
+/// The commands of the program. Each prints its result to standard output and throws Refusal or UsageError when it
+/// cannot do what it is asked for.
+#ifndef ZORTEX_COMMANDS_H
+#define ZORTEX_COMMANDS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ConvertTarget.h"
+#include "Operations.h"
+
+namespace zortex
+{
+struct ConvertOptions
+{
+	std::string input;
+	std::string output;
+	TargetOptions target;
+	/// The colour space that the input's pixels are taken to be in; empty trusts the file.
+	std::string inputSpace;
+	/// In the order in which they run.
+	std::vector<Operation> operations;
+	/// One image of the texture instead of all of it; a PNG file takes the first unless told.
+	std::optional<unsigned int> level;
+	std::optional<unsigned int> surface;
+	std::optional<unsigned int> face;
+	std::optional<unsigned int> slice;
+	bool isQuiet = false;
+	bool isJson = false;
+};
+
+void runConvert(const ConvertOptions& options);
+void runInfo(const std::string& path, bool isJson);
+void runFormats(bool isJson);
+} // namespace zortex
+
+#endif // ZORTEX_COMMANDS_H

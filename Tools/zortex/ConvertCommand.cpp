@@ -1,0 +1,275 @@
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <iostream>
+#include <unistd.h>
+
+#include "Commands.h"
+#include "ConvertReport.h"
+#include "FormatCapabilities.h"
+#include "Layouts.h"
+#include "PngFile.h"
+#include "Refusal.h"
+#include "Text.h"
+#include "TextureDescription.h"
+#include "TextureFile.h"
+
+namespace zortex
+{
+using namespace zortexture;
+
+namespace
+{
+/// Says what is being done, to a person who waits.
+class Progress
+{
+public:
+	Progress(const std::string& file, bool isQuiet) : m_file(file), m_isShown(!isQuiet && isatty(STDERR_FILENO) != 0)
+	{
+	}
+
+	void say(const std::string& step) const
+	{
+		if (m_isShown)
+		{
+			std::cerr << "zortex: " << m_file << ": " << step << " ..." << std::endl;
+		}
+	}
+
+private:
+	std::string m_file;
+	bool m_isShown;
+};
+
+unsigned int pickIndex(const std::optional<unsigned int>& index, unsigned int count, const std::string& noun, const std::string& file)
+{
+	if (index.value_or(0) >= count)
+	{
+		throw Refusal(file, "has no " + noun + " " + std::to_string(index.value_or(0)) + ": there " + (count == 1 ? "is " : "are ") +
+		                        counted(count, noun) + ", counted from 0");
+	}
+	return index.value_or(0);
+}
+
+/// Cuts the texture down to one image, with its metadata.
+void pickImage(CZORTexture& texture, const ConvertOptions& options, OperationContext& context)
+{
+	const unsigned int level = pickIndex(options.level, texture.getNumMIPLevels(), "level", options.input);
+	const unsigned int surface = pickIndex(options.surface, texture.getNumArrayMembers(), "surface", options.input);
+	const unsigned int face = pickIndex(options.face, texture.getNumFaces(), "face", options.input);
+
+	const unsigned int images = texture.getNumArrayMembers() * texture.getNumFaces();
+	if (images > 1 && !options.surface && !options.face)
+	{
+		context.notes.push_back("one of " + std::to_string(images) + " images is written: choose it by --surface and --face");
+	}
+	if (texture.getDepth(level) > 1 && options.target.isPng && !options.slice)
+	{
+		context.notes.push_back("one of " + std::to_string(texture.getDepth(level)) + " depth slices is written: choose it by --slice");
+	}
+	if (images == 1 && texture.getNumMIPLevels() == 1)
+	{
+		return;
+	}
+	CZORTextureHeader header(texture);
+	header.setWidth(texture.getWidth(level));
+	header.setHeight(texture.getHeight(level));
+	header.setDepth(texture.getDepth(level));
+	header.setNumMIPLevels(1);
+	header.setNumArrayMembers(1);
+	header.setNumFaces(1);
+	texture = CZORTexture(header, texture.getDataPtr(level, surface, face));
+}
+
+/// Why a texture's pixels cannot be converted at all; empty when they can.
+std::string sourceProblem(const CZORTextureHeader& header)
+{
+	const PixelType format = header.getPixelType();
+	const std::string name = formatName(format, header.getChannelType());
+	if (!canDecode(format))
+	{
+		return "holds " + name + ", which cannot be decoded so far";
+	}
+	if (format.isCompressed())
+	{
+		unsigned int unit[3] = {};
+		ZORTGetFormatMinDims(format.id, unit[0], unit[1], unit[2]);
+		return header.getDepth() > 1 && unit[2] == 1 ? "holds a volume in " + name + ", which cannot be decoded" : "";
+	}
+	const std::string problem = layoutProblem(format, header.getChannelType());
+	return problem.empty()
+	           ? ""
+	           : "holds " + name + " as " + channelTypeName(header.getChannelType()) + ", which cannot be converted: " + problem;
+}
+
+/// What a reader of the result should know of the target's ways.
+void addTargetNotes(const CZORTextureHeader& source, const Target& target, const ConvertOptions& options, OperationContext& context)
+{
+	PixelType layout;
+	EZORTVariableType type = eVT_UnsignedByteNorm;
+	workingLayout(source.getPixelType(), source.getChannelType(), layout, type);
+	if (options.target.isPng && (isSigned(type) || isFloatType(type)))
+	{
+		context.notes.push_back("values outside 0 to 1 are clamped: a PNG file cannot hold them");
+	}
+	if (options.target.isPng && source.isPreMultiplied())
+	{
+		context.notes.push_back("the colours stay premultiplied by alpha, which a PNG file cannot tell");
+	}
+	if (options.target.dither && !target.dither)
+	{
+		context.notes.push_back("--dither changes nothing: no channel of the format has fewer than 8 bits");
+	}
+	if (target.pixelType.isCompressed() || channelTypeBits(target.type) != 32 || isFloatType(target.type) || isSigned(target.type))
+	{
+		return;
+	}
+	if (widestChannel(target.pixelType) == 32)
+	{
+		context.notes.push_back("unsigned 32-bit channels store full intensity (1.0) as 0; --type float keeps it");
+	}
+}
+
+/// The last conversion: into the target's format. Fills the report's figures of it.
+void convertPixels(CZORTexture& texture, const Target& target, const ConvertOptions& options, const Progress& progress,
+                   ConvertReport& report)
+{
+	const bool isUncompressedSource = !texture.getPixelType().isCompressed();
+	const CZORTexture original = texture;
+	progress.say((target.pixelType.isCompressed() ? "encoding to " : "converting to ") + formatName(target.pixelType, target.type));
+
+	const auto start = std::chrono::steady_clock::now();
+	const bool isConverted =
+	    Transcode(texture, target.pixelType, target.type, target.space, static_cast<ECompressorQuality>(target.quality), target.dither);
+	report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+	if (!isConverted)
+	{
+		throw Refusal(options.input, "cannot be converted to " + formatName(target.pixelType, target.type));
+	}
+	report.quality = target.quality;
+	report.dither = target.dither;
+	// A decoded texture has nothing lost to measure.
+	if (isUncompressedSource || target.pixelType.isCompressed())
+	{
+		progress.say("measuring");
+		report.measurement = compareTextures(original, texture);
+	}
+}
+
+/// Runs the whole conversion and returns the output's header and the report's figures.
+void convert(const ConvertOptions& options, ConvertReport& report)
+{
+	const Progress progress(options.input, options.isQuiet);
+	const TargetRequest request(options.target);
+	const std::optional<EZORTColourSpace> inputSpace = parseColourSpace(options.inputSpace);
+	if (!options.inputSpace.empty() && !inputSpace)
+	{
+		throw UsageError("--input-space: '" + options.inputSpace + "' is neither linear nor srgb");
+	}
+
+	progress.say("loading");
+	LoadedTexture loaded = loadTexture(options.input);
+	CZORTexture& texture = loaded.texture;
+	report.input = texture.getHeader();
+	report.inputFileBytes = loaded.fileBytes;
+	if (inputSpace)
+	{
+		texture.setColourSpace(*inputSpace);
+	}
+
+	OperationContext context = {options.input, {}};
+	const PixelType ownFormat = texture.getPixelType();
+	const EZORTVariableType ownType = texture.getChannelType();
+	Target target = request.resolve(texture);
+	if (!options.operations.empty())
+	{
+		if (const std::string problem = sourceProblem(texture); !problem.empty())
+		{
+			throw Refusal(options.input, problem);
+		}
+	}
+	for (const Operation& operation : options.operations)
+	{
+		progress.say(operation.description);
+		operation.apply(texture, context);
+	}
+	if (options.target.isPng || options.level || options.surface || options.face)
+	{
+		pickImage(texture, options, context);
+	}
+
+	report.bytesBefore = texture.getDataSize();
+	addTargetNotes(texture, target, options, context);
+	const bool isSameFormat = texture.getPixelType().id == target.pixelType.id && texture.getChannelType() == target.type &&
+	                          texture.getColourSpace() == target.space;
+	if (!isSameFormat || request.asksForEncoding())
+	{
+		if (const std::string problem = sourceProblem(texture); !problem.empty())
+		{
+			throw Refusal(options.input, problem);
+		}
+		if (!canEncode(target.pixelType))
+		{
+			throw Refusal(options.input, "holds " + formatName(ownFormat, ownType) + ", which cannot be encoded anew; choose a --format");
+		}
+		if (const std::string problem = sizeProblem(texture, target.pixelType); !problem.empty())
+		{
+			throw Refusal(options.input, problem);
+		}
+		convertPixels(texture, target, options, progress, report);
+	}
+	report.bytesAfter = texture.getDataSize();
+
+	progress.say("writing " + options.output);
+	if (options.target.isPng)
+	{
+		savePng(texture, pickIndex(options.slice, texture.getDepth(), "slice", options.input), options.output);
+	}
+	else
+	{
+		saveNative(texture, options.output);
+	}
+	report.output = texture.getHeader();
+	report.notes = context.notes;
+}
+
+std::string knownExtensions()
+{
+	std::string text;
+	for (const Container& container : containers())
+	{
+		text += (text.empty() ? "." : ", .") + std::string(container.extension);
+	}
+	return text;
+}
+} // namespace
+
+void runConvert(const ConvertOptions& options)
+{
+	const Container* container = containerOf(options.output);
+	if (container == nullptr || !container->writes)
+	{
+		throw UsageError(options.output + ": the output's extension must be one of " + knownExtensions());
+	}
+	ConvertOptions checked = options;
+	checked.target.isPng = container->extension == "png";
+	if (checked.slice && !checked.target.isPng)
+	{
+		throw UsageError("--slice: only a PNG file is one slice of a volume");
+	}
+
+	ConvertReport report;
+	report.inputPath = options.input;
+	report.outputPath = options.output;
+	convert(checked, report);
+	report.outputFileBytes = sizeOfFile(options.output);
+	if (options.isJson)
+	{
+		std::cout << reportJson(report);
+	}
+	else if (!options.isQuiet)
+	{
+		std::cout << reportText(report);
+	}
+}
+} // namespace zortex

@@ -1,0 +1,264 @@
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <cstdio>
+#include <iostream>
+#include <new>
+
+#include "Commands.h"
+#include "Refusal.h"
+#include "Text.h"
+
+namespace
+{
+using namespace zortex;
+
+constexpr int kExitRefused = 1;
+constexpr int kExitUsage = 2;
+
+constexpr unsigned int kMaxSide = 65536;
+
+constexpr const char* kMainFooter = R"(A first conversion, a look at its result, and back to a picture:
+  zortex convert photo.png photo.zor --format tessel1-4bpp-rgb
+  zortex info photo.zor
+  zortex convert photo.zor decoded.png
+
+'zortex COMMAND --help' explains a command, 'zortex formats' lists the formats.
+Exit codes: 0 done, 1 a file stopped the work, 2 wrong command line.)";
+
+constexpr const char* kConvertFooter =
+    R"(IN is a PNG picture or a texture file; OUT's extension says what is made: .zor a texture, .png a picture.
+Without --format a texture keeps its format, and a PNG file gets the closest of its own kinds. Pixels of PNG files are
+taken as sRGB unless the file says that they are linear. --resize, --premultiply and --bleed run in the order in which
+they are given, before the conversion.
+
+Examples:
+  zortex convert photo.png photo.zor --format tessel1-4bpp-rgb --quality best
+  zortex convert photo.png small.zor --resize 256x256 --format rgb565 --dither
+  zortex convert logo.png logo.zor --bleed --premultiply --format tessel1-4bpp-rgba
+  zortex convert light.png light.zor --space linear --format rgba16f
+  zortex convert cube.zor face.png --face 3 --mip 1)";
+
+/// Reads WxH or WxHxD, each of 1 to kMaxSide.
+ImageSize parseSize(const std::string& text)
+{
+	unsigned int sides[3] = {};
+	unsigned int count = 0;
+	const char* position = text.data();
+	const char* const end = position + text.size();
+	while (count < 3)
+	{
+		const auto [next, error] = std::from_chars(position, end, sides[count]);
+		if (error != std::errc() || sides[count] == 0 || sides[count] > kMaxSide)
+		{
+			break;
+		}
+		++count;
+		position = next;
+		if (position == end || (*position != 'x' && *position != 'X'))
+		{
+			break;
+		}
+		++position;
+	}
+	const bool hasTrailing = position != end || (!text.empty() && (text.back() == 'x' || text.back() == 'X'));
+	if (count < 2 || hasTrailing)
+	{
+		throw UsageError("--resize: '" + text + "' is no size such as 256x128 or 64x64x8, with sides of 1 to " + std::to_string(kMaxSide));
+	}
+	return {sides[0], sides[1], sides[2]};
+}
+
+/// The command line of 'convert'. Operations are collected in the order in which they stand there.
+class ConvertCommandLine
+{
+public:
+	explicit ConvertCommandLine(CLI::App& program)
+	    : m_app(*program.add_subcommand("convert", "Convert a PNG picture or a texture into another texture or a PNG picture"))
+	{
+		m_app.footer(kConvertFooter);
+		m_app.add_option("IN", m_options.input, "Input file")->required();
+		m_app.add_option("OUT", m_options.output, "Output file")->required();
+
+		TargetOptions& target = m_options.target;
+		const std::string format = "Format";
+		m_app.add_option("--format", target.format, "Format of the output, such as tessel1-4bpp-rgba or rgb565")
+		    ->type_name("NAME")
+		    ->group(format);
+		m_app.add_option("--type", target.type, "Channel type, such as unorm8, snorm16 or float (default: the format's usual one)")
+		    ->type_name("NAME")
+		    ->group(format);
+		m_app.add_option("--space", target.space, "Colour space of the output: linear or srgb (default: the input's)")
+		    ->type_name("SPACE")
+		    ->group(format);
+		m_app.add_option("--input-space", m_options.inputSpace, "Colour space of the input, whatever its file says")
+		    ->type_name("SPACE")
+		    ->group(format);
+		m_app.add_option("--quality", target.quality, "fast, normal, high or best, or a number of the format's own (default: normal)")
+		    ->type_name("Q")
+		    ->group(format);
+		m_app.add_flag("--dither", target.dither, "Spread the rounding error of formats with few bits")->group(format);
+
+		const std::string operations = "Operations, in the order given";
+		m_resize = m_app.add_option("--resize", m_sizes, "Scale to a size in pixels")
+		               ->type_name("WxH[xD]")
+		               ->expected(1)
+		               ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+		               ->group(operations);
+		m_app.add_option("--filter", m_filter, "Filter of --resize: nearest, linear or cubic")
+		    ->type_name("NAME")
+		    ->capture_default_str()
+		    ->group(operations);
+		const std::string premultiplyHelp = "Multiply colour by alpha (8 bits a channel)";
+		m_premultiply = m_app.add_flag("--premultiply", premultiplyHelp)->group(operations);
+		const std::string bleedHelp = "Fill transparent areas with the colour around them (8 bits a channel)";
+		m_bleed = m_app.add_flag("--bleed", bleedHelp)->group(operations);
+
+		const std::string image = "One image of a texture";
+		m_app.add_option("--mip", m_options.level, "MIP level, 0 is the largest")->type_name("N")->group(image);
+		m_app.add_option("--surface", m_options.surface, "Array member")->type_name("N")->group(image);
+		m_app.add_option("--face", m_options.face, "Face of a cube map")->type_name("N")->group(image);
+		m_app.add_option("--slice", m_options.slice, "Depth slice of a volume, for a PNG file")->type_name("N")->group(image);
+
+		const std::string report = "Report";
+		m_app.add_flag("--quiet", m_options.isQuiet, "Print nothing when all went well")->group(report);
+		m_app.add_flag("--json", m_options.isJson, "Print the report as JSON")->group(report);
+	}
+
+	bool isChosen() const
+	{
+		return m_app.parsed();
+	}
+
+	const std::string& inputPath() const
+	{
+		return m_options.input;
+	}
+
+	/// What was asked for. Throws a UsageError.
+	const ConvertOptions& options()
+	{
+		const std::string filter = lowerCase(m_filter);
+		if (filter != "nearest" && filter != "linear" && filter != "cubic")
+		{
+			throw UsageError("--filter: '" + m_filter + "' is none of nearest, linear and cubic");
+		}
+		const zortexture::EResizeMode mode = filter == "nearest"  ? zortexture::eResizeNearest
+		                                     : filter == "linear" ? zortexture::eResizeLinear
+		                                                          : zortexture::eResizeCubic;
+		std::size_t nextSize = 0;
+		for (const CLI::Option* option : m_app.parse_order())
+		{
+			if (option == m_resize)
+			{
+				m_options.operations.push_back(resizeOperation(parseSize(m_sizes.at(nextSize++)), mode));
+			}
+			else if (option == m_premultiply)
+			{
+				m_options.operations.push_back(premultiplyOperation());
+			}
+			else if (option == m_bleed)
+			{
+				m_options.operations.push_back(bleedOperation());
+			}
+		}
+		return m_options;
+	}
+
+private:
+	CLI::App& m_app;
+	ConvertOptions m_options;
+	std::vector<std::string> m_sizes;
+	std::string m_filter = "cubic";
+	const CLI::Option* m_resize = nullptr;
+	const CLI::Option* m_premultiply = nullptr;
+	const CLI::Option* m_bleed = nullptr;
+};
+
+/// Runs a command and turns what it throws into an exit code and a line on standard error.
+template<typename Command>
+int run(const std::string& file, Command command)
+{
+	try
+	{
+		command();
+		std::cout.flush();
+		if (!std::cout)
+		{
+			throw Refusal("standard output", "cannot be written");
+		}
+		return 0;
+	}
+	catch (const UsageError& error)
+	{
+		std::cerr << "zortex: " << error.what() << "\n";
+		return kExitUsage;
+	}
+	catch (const std::bad_alloc&)
+	{
+		std::cerr << "zortex: " << file << ": not enough memory\n";
+	}
+	catch (const Refusal& error)
+	{
+		std::cerr << "zortex: " << error.what() << "\n";
+	}
+	catch (const std::exception& error)
+	{
+		std::cerr << "zortex: " << file << ": " << error.what() << "\n";
+	}
+	return kExitRefused;
+}
+/// Reads the command line and runs the command that it names.
+int runProgram(int argc, char** argv)
+{
+	CLI::App program("zortex converts pictures into GPU textures and back.", "zortex");
+	program.footer(kMainFooter);
+	program.set_version_flag("--version", "zortex " ZORTEXLIB_VERSION_STRING, "Print the version");
+	program.require_subcommand(1);
+
+	ConvertCommandLine convertLine(program);
+	std::string infoFile;
+	bool isJson = false;
+	CLI::App* info = program.add_subcommand("info", "Print everything that a texture's header says");
+	info->add_option("FILE", infoFile, "Texture file or PNG picture")->required();
+	info->add_flag("--json", isJson, "Print it as JSON");
+	CLI::App* formats = program.add_subcommand("formats", "List the formats, and what can be done with each");
+	formats->add_flag("--json", isJson, "Print the list as JSON");
+
+	try
+	{
+		program.parse(argc, argv);
+	}
+	catch (const CLI::ParseError& error)
+	{
+		if (error.get_exit_code() == 0)
+		{
+			return program.exit(error);
+		}
+		std::cerr << "zortex: " << error.what() << "\nRun 'zortex --help' or 'zortex COMMAND --help' for more.\n";
+		return kExitUsage;
+	}
+
+	if (convertLine.isChosen())
+	{
+		return run(convertLine.inputPath(), [&convertLine]() { runConvert(convertLine.options()); });
+	}
+	if (info->parsed())
+	{
+		return run(infoFile, [&infoFile, isJson]() { runInfo(infoFile, isJson); });
+	}
+	return run("formats", [isJson]() { runFormats(isJson); });
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+	try
+	{
+		return runProgram(argc, argv);
+	}
+	catch (...)
+	{
+		std::fputs("zortex: not enough memory\n", stderr);
+		return kExitRefused;
+	}
+}
