@@ -53,7 +53,7 @@ Values gather(const unsigned char* source, unsigned int startX, unsigned int sta
 		values.texels[i] = source[texelIndex(width, startX + i % 4, startY + i / 4)];
 		sum += values.texels[i];
 	}
-	values.average = static_cast<int>(static_cast<float>(sum) * 0.0625f + 0.5f);
+	values.average = (sum + 8) / 16;
 	return values;
 }
 
