@@ -1,6 +1,6 @@
 #include "FormatTable.h"
 
-#include "ZORTDefines.h"
+#include "ZORTUtilities.h"
 
 namespace zortexture
 {
