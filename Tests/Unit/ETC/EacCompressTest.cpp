@@ -119,30 +119,20 @@ TEST(EacCompress16, GivesTheBlockOfTheSearchWithoutShortCuts)
 
 	for (const Values16& texels : blocks)
 	{
+		// The second channel of a larger image.
+		std::vector<std::uint16_t> image(std::size_t{7} * 6 * 2, 12345);
+		for (unsigned int i = 0; i < 16; ++i)
+		{
+			image[((1 + i / 4) * 7 + 3 + i % 4) * 2 + 1] = texels[i];
+		}
 		for (const bool isSigned : {false, true})
 		{
 			std::array<unsigned char, 8> block{};
-			compressBlockAlpha16(texels.data(), 1, 0, 0, 4, block.data(), isSigned, isSigned ? valueTableSigned() : valueTableUnsigned());
+			compressBlockAlpha16(image.data() + 1, 2, 3, 1, 7, block.data(), isSigned,
+			                     isSigned ? valueTableSigned() : valueTableUnsigned());
 			ASSERT_EQ(block, bruteForce16(texels, isSigned)) << "signed " << isSigned << ", first texel " << texels[0];
 		}
 	}
-}
-
-TEST(EacCompress16, ReadsTheTexelsOfItsChannelAndPlace)
-{
-	std::mt19937 random(12);
-	std::vector<std::uint16_t> image(9 * 7 * 2);
-	std::generate(image.begin(), image.end(), [&] { return static_cast<std::uint16_t>(random()); });
-	Values16 texels;
-	for (unsigned int i = 0; i < 16; ++i)
-	{
-		texels[i] = image[((3 + i / 4) * 9 + 5 + i % 4) * 2 + 1];
-	}
-	std::array<unsigned char, 8> inImage{};
-	std::array<unsigned char, 8> alone{};
-	compressBlockAlpha16(image.data() + 1, 2, 5, 3, 9, inImage.data(), false, valueTableUnsigned());
-	compressBlockAlpha16(texels.data(), 1, 0, 0, 4, alone.data(), false, valueTableUnsigned());
-	EXPECT_EQ(inImage, alone);
 }
 
 TEST(EacCompress16, ErrorsWrapAndStopAtTheBound)
@@ -153,13 +143,6 @@ TEST(EacCompress16, ErrorsWrapAndStopAtTheBound)
 	EXPECT_EQ(calcError(texels.data(), 1, 0, 0, 4, 0, 0, 15, 1e12, valueTableUnsigned(), false), 16.0);
 	EXPECT_EQ(calcError(texels.data(), 1, 0, 0, 4, 0, 0, 15, 16.0, valueTableUnsigned(), false), 16.0 + 1073741824.0);
 	EXPECT_EQ(calcError(texels.data(), 1, 0, 0, 4, 0, 0, 15, 17.0, valueTableUnsigned(), false), 16.0);
-
-	// An exact set exists, but only after sets of error 0 in the nesting: the first of them wins.
-	std::array<unsigned char, 8> block{};
-	compressBlockAlpha16(texels.data(), 1, 0, 0, 4, block.data(), false, valueTableUnsigned());
-	std::uint16_t decoded[16];
-	decompressBlockAlpha16bit(block.data(), decoded, 4, 0, 0, false);
-	EXPECT_TRUE(std::all_of(decoded, decoded + 16, [](std::uint16_t value) { return value == 65535; }));
 }
 
 // ---- 8 bits: the passes told plainly.
@@ -294,22 +277,6 @@ TEST(EacCompress8, FollowsThePasses)
 		{
 			compressBlockAlphaSlow(texels.data(), 0, 0, 4, block.data(), alphaTable);
 			ASSERT_EQ(block, passes8(texels, true)) << "slow, round " << round;
-		}
-	}
-}
-
-TEST(EacCompress8, MeetsABlockOfOneValueAtTheFirstRow)
-{
-	for (const int value : {0, 1, 77, 254, 255})
-	{
-		Values8 texels;
-		texels.fill(static_cast<unsigned char>(value));
-		for (const auto compress : {compressBlockAlphaFast, compressBlockAlphaSlow})
-		{
-			std::array<unsigned char, 8> block{};
-			compress(texels.data(), 0, 0, 4, block.data(), alphaTable);
-			const std::array<unsigned char, 8> expected{static_cast<unsigned char>(value)};
-			EXPECT_EQ(block, expected);
 		}
 	}
 }

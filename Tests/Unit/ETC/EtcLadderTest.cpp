@@ -38,17 +38,6 @@ struct Candidate
 	double error = 0.0;
 };
 
-Block storedWords(unsigned int word1, unsigned int word2)
-{
-	Block block;
-	for (unsigned int byte = 0; byte < 4; ++byte)
-	{
-		block[byte] = static_cast<unsigned char>(word1 >> (24 - 8 * byte));
-		block[4 + byte] = static_cast<unsigned char>(word2 >> (24 - 8 * byte));
-	}
-	return block;
-}
-
 /// The plain error over the texels whose alpha is at least `leastAlpha`, or the perceptual one (in thousandths) over all.
 double measure(const Block& stored, const TexelBlock& texels, unsigned int format, int leastAlpha, bool perceptual)
 {
@@ -149,7 +138,7 @@ private:
 		{
 			stuff(word1, word2, word1, word2);
 		}
-		Candidate candidate{name, storedWords(word1, word2), 0.0};
+		Candidate candidate{name, etctest::storedWords(word1, word2), 0.0};
 		candidate.error = measure(candidate.stored, m_texels, m_format, leastAlpha, m_perceptual);
 		return candidate;
 	}

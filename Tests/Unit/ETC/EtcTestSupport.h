@@ -21,6 +21,18 @@ inline Bytes randomBytes(std::mt19937& random, std::size_t count)
 	return bytes;
 }
 
+/// The words as a file holds them.
+inline std::array<unsigned char, 8> storedWords(unsigned int word1, unsigned int word2)
+{
+	std::array<unsigned char, 8> block;
+	for (unsigned int byte = 0; byte < 4; ++byte)
+	{
+		block[byte] = static_cast<unsigned char>(word1 >> (24 - 8 * byte));
+		block[4 + byte] = static_cast<unsigned char>(word2 >> (24 - 8 * byte));
+	}
+	return block;
+}
+
 /// Values that change slowly over the block, with a little noise: what real images hold.
 template<typename T>
 std::array<T, 16> smoothBlock(std::mt19937& random, int top)
