@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <map>
 
 #include "PixelLayouts.h"
 #include "TextureTools.h"

@@ -1,6 +1,7 @@
 // Small textures with known content.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <vector>
