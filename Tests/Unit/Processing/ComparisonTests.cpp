@@ -134,17 +134,21 @@ TEST(ColourDiff, ShowsScaledDifferences)
 
 TEST(ColourDiff, PairsImagesOfDifferentCounts)
 {
-	CZORTexture a = makeTexture(kByte, {4, 4, 1, 3, 2, 1});
-	CZORTexture b = makeTexture(kFloat, {4, 4, 1, 2, 3, 6});
+	CZORTexture a = makeTexture(kByte, {20, 20, 1, 3, 2, 1});
+	CZORTexture b = makeTexture(kFloat, {20, 20, 1, 2, 3, 6});
 	b.setBorder(1, 2, 3);
-	setElements(a, std::vector<double>(16, 255.0), 1, 1, 0);
+	std::vector<double> lastPixel(1600, 0.0);
+	lastPixel[1596] = 255;
+	setElements(a, lastPixel, 0, 1, 0);
+	setElements(a, {255}, 1, 1, 0);
 	const CZORTexture result = ColourDiff(a, b, 1);
 	EXPECT_EQ(result.getNumMIPLevels(), 2u);
 	EXPECT_EQ(result.getNumArrayMembers(), 2u);
 	EXPECT_EQ(result.getNumFaces(), 1u);
 	EXPECT_TRUE(result.hasMetaData(kZORTextureMagic, kMetaKeyBorder));
 	EXPECT_EQ(elements(result, 1, 1, 0)[0], 1.5);
-	EXPECT_EQ(elements(result, 0, 1, 0)[60], 0.5);
+	EXPECT_EQ(elements(result, 0, 1, 0)[1592], 0.5);
+	EXPECT_EQ(elements(result, 0, 1, 0)[1596], 1.5);
 }
 
 TEST(ToleranceDiff, SortsPixelsByTheirLargestDifference)

@@ -38,8 +38,9 @@ TEST(GenerateNormalMap, KnownAnswers)
 	    {{3, 1, 1}, "010", 1.0f, "xyz", {kLow, .5, kHigh, 1, .5, .5, 1, 1, kHigh, .5, kHigh, 1}},
 	    {{1, 3, 1}, "010", 1.0f, "xyz", {.5, kLow, kHigh, 1, .5, .5, 1, 1, .5, kHigh, kHigh, 1}},
 	    {{3, 1, 1}, "010", -1.0f, "xyz", {kHigh, .5, kHigh, 1, .5, .5, 1, 1, kLow, .5, kHigh, 1}},
-	    // Rows wrap to the first slice: (0, 1) below (0, 0).
+	    // The rows of the second slice wrap to the first one, upwards and downwards.
 	    {{1, 2, 2}, "0100", 1.0f, "xyz", {.5, .5, 1, 1, .5, .5, 1, 1, .5, kHigh, kHigh, 1, .5, .5, 1, 1}},
+	    {{1, 2, 2}, "1000", 1.0f, "xyz", {.5, .5, 1, 1, .5, .5, 1, 1, .5, .5, 1, 1, .5, kLow, kHigh, 1}},
 	    // Orders: reversed, with height, upper case, repeated letters, unknown ones, more than four, none.
 	    {{3, 1, 1}, "100", 1.0f, "zyx", {1, .5, .5, 1, kHigh, .5, kHigh, 1, kHigh, .5, kLow, 1}},
 	    {{3, 1, 1}, "110", 1.0f, "XYZH", {kLow, .5, kHigh, 1, kHigh, .5, kHigh, 1, .5, .5, 1, 0}},
