@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "FormatTable.h"
+#include "FormatShape.h"
 #include "ZORTUtilities.h"
 
 namespace zortexture

@@ -1,4 +1,4 @@
-/// @file FormatTable.h
+/// @file FormatShape.h
 /// Storage figures of the numbered formats.
 #pragma once
 

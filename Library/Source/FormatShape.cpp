@@ -1,4 +1,4 @@
-#include "FormatTable.h"
+#include "FormatShape.h"
 
 #include "ZORTUtilities.h"
 
