@@ -16,51 +16,53 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 template<typename T>
-std::vector<Pixel<T>> setAll(unsigned int value, std::vector<EChannelName> channels)
+Pixel<T> setAll(unsigned int value, EChannelName channel)
 {
 	CZORTexture texture = standardTexture<T>(1, 1, {{1, 2, 3, 4}});
-	std::vector<unsigned int> values(channels.size(), value);
-	EXPECT_TRUE(SetChannels(texture, static_cast<unsigned int>(channels.size()), channels.data(), values.data()));
-	return pixelsOfTexture<T>(texture);
+	EXPECT_TRUE(SetChannels(texture, 1, &channel, &value));
+	return pixelsOfTexture<T>(texture)[0];
 }
 
 TEST(SetChannels, NamesAddressElements)
 {
-	using Pixels = std::vector<Pixel<unsigned char>>;
+	// A bit for every element that a name addresses, r first.
 	struct
 	{
-		std::vector<EChannelName> channels;
-		Pixels expected;
-	} const cases[] = {
-	    {{}, {{1, 2, 3, 4}}},
-	    {{eCh_Red}, {{9, 2, 3, 4}}},
-	    {{eCh_Green}, {{1, 9, 3, 4}}},
-	    {{eCh_Blue}, {{1, 2, 9, 4}}},
-	    {{eCh_Alpha}, {{1, 2, 3, 9}}},
-	    {{eCh_Unused}, {{1, 2, 3, 9}}},
-	    {{eCh_Luminance}, {{9, 9, 9, 4}}},
-	    {{eCh_Intensity}, {{9, 9, 9, 4}}},
-	    {{eCh_None, static_cast<EChannelName>(8), static_cast<EChannelName>(0xFFFFFFFFu)}, {{1, 2, 3, 4}}},
-	    {{eCh_Blue, eCh_Alpha}, {{1, 2, 9, 9}}},
-	};
+		EChannelName channel;
+		unsigned int elements;
+	} const cases[] = {{eCh_None, 0},
+	                   {eCh_Red, 1},
+	                   {eCh_Green, 2},
+	                   {eCh_Blue, 4},
+	                   {eCh_Alpha, 8},
+	                   {eCh_Luminance, 7},
+	                   {eCh_Intensity, 7},
+	                   {eCh_Unused, 8},
+	                   {static_cast<EChannelName>(8), 0},
+	                   {static_cast<EChannelName>(0xFFFFFFFFu), 0}};
 	for (const auto& c : cases)
 	{
-		EXPECT_EQ(setAll<unsigned char>(9, c.channels), c.expected);
+		const auto expected = [&](unsigned int element)
+		{
+			return static_cast<unsigned char>((c.elements >> element & 1u) != 0 ? 9 : element + 1);
+		};
+		EXPECT_EQ(setAll<unsigned char>(9, c.channel), (Pixel<unsigned char>{expected(0), expected(1), expected(2), expected(3)}))
+		    << c.channel;
 	}
 	// In the order of the list.
 	CZORTexture texture = standardTexture<unsigned char>(1, 1, {{1, 2, 3, 4}});
 	EChannelName channels[] = {eCh_Red, eCh_Luminance, eCh_Green};
 	unsigned int values[] = {50, 60, 70};
 	EXPECT_TRUE(SetChannels(texture, 3, channels, values));
-	EXPECT_EQ(pixelsOfTexture<unsigned char>(texture), (Pixels{{60, 70, 60, 4}}));
+	EXPECT_EQ(pixelsOfTexture<unsigned char>(texture), (std::vector<Pixel<unsigned char>>{{60, 70, 60, 4}}));
 }
 
 TEST(SetChannels, ValuesAreCutNotScaled)
 {
-	EXPECT_EQ(setAll<unsigned char>(300, {eCh_Red})[0].r, 44);
-	EXPECT_EQ(setAll<unsigned short>(65537, {eCh_Red})[0].r, 1);
-	EXPECT_EQ(setAll<unsigned int>(0xFEDCBA98u, {eCh_Red})[0].r, 0xFEDCBA98u);
-	EXPECT_EQ(setAll<float>(0x3FC00000u, {eCh_Red})[0].r, 1.5f); // the bits of 1.5
+	EXPECT_EQ(setAll<unsigned char>(300, eCh_Red).r, 44);
+	EXPECT_EQ(setAll<unsigned short>(65537, eCh_Red).r, 1);
+	EXPECT_EQ(setAll<unsigned int>(0xFEDCBA98u, eCh_Red).r, 0xFEDCBA98u);
+	EXPECT_EQ(setAll<float>(0x3FC00000u, eCh_Red).r, 1.5f); // the bits of 1.5
 }
 
 template<typename T>

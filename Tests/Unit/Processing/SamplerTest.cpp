@@ -21,64 +21,37 @@ Byte4 grey(int value)
 	return {v, v, v, v};
 }
 
-TEST(DownscalePosition, KnownPositions)
+/// The last bit of a sum depends on its order: taps with x fastest, then y, then z; splines along x, then y, then z.
+TEST(Samplers, RoundInTheOrderOfTheAxes)
 {
-	struct
+	const float values[] = {0.1f, 7.3f, 1e-3f, 123.456f, 0.7f, 3.3e4f, 9.1f, 0.05f};
+	std::vector<Float4> cube;
+	for (const float value : values)
 	{
-		unsigned int index, count;
-		double inverse, ratio;
-		float expected;
-	} const cases[] = {
-	    {0, 1, 0.25, 4.0, 0.0f},
-	    {0, 0, 0.5, 2.0, 0.0f},
-	    // 2 to 1: between the pair.
-	    {0, 4, 0.5, 2.0, 0.5f},
-	    {1, 4, 0.5, 2.0, 2.5f},
-	    {3, 4, 0.5, 2.0, 6.5f},
-	    // An axis that keeps its size: from 1 to count - 2.
-	    {0, 5, 0.0, 1.0, 1.0f},
-	    {2, 5, 0.0, 1.0, 2.0f},
-	    {4, 5, 0.0, 1.0, 3.0f},
-	    // 4 to 2 in one step of ratio 4/3 and three samples: 0.25, then (0.5 + 1) * 4/3 + 0.5 - 1, then 4 + 0.75 - 2.
-	    {0, 3, 0.75, 4.0 / 3.0, 0.25f},
-	    {1, 3, 0.75, 4.0 / 3.0, 1.5f},
-	    {2, 3, 0.75, 4.0 / 3.0, 2.75f},
-	};
-	for (const auto& c : cases)
-	{
-		EXPECT_EQ(calculateDownscalePosition(c.index, c.count, c.inverse, c.ratio), c.expected) << c.index << " of " << c.count;
+		cube.push_back({value, value, value, value});
 	}
-}
+	Float4 sample{};
+	SampleLinear(cube.data(), &sample, 2, 2, 2, 0.3f, 0.7f, 0.6f);
+	EXPECT_EQ(sample.g, 0x1.c0da5ap+10f); // z fastest ends in 5c
+	SampleCubic(cube.data(), &sample, 2, 2, 2, 0.3f, 0.7f, 0.6f);
+	EXPECT_EQ(sample.b, 0x1.59bea4p+10f); // y first ends in a0
+	const float points[4] = {0.1f, 7.3f, -1e-3f, 123.456f};
+	EXPECT_EQ(evaluateSplines(points, 0.37f), 0x1.93c5p-6f);
 
-TEST(Spline, PassesThroughItsPointsAndKeepsLines)
-{
-	const float points[4] = {3, -7, 11, 100};
-	EXPECT_EQ(evaluateSplines(points, 0.0f), -7.0f);
-	EXPECT_EQ(evaluateSplines(points, 1.0f), 11.0f);
-	// (9 * (-7 + 11) - 3 - 100) / 16
-	EXPECT_EQ(evaluateSplines(points, 0.5f), -4.1875f);
-	// Weights at 1/4: -9, 111, 29, -3 over 128.
-	EXPECT_EQ(evaluateSplines(points, 0.25f), (-27.0f - 777.0f + 319.0f - 300.0f) / 128.0f);
-	const float line[4] = {1, 2, 3, 4};
-	EXPECT_EQ(evaluateSplines(line, 0.375f), 2.375f);
-}
+	// Positions of samples that no resize by halves meets.
+	EXPECT_EQ(calculateDownscalePosition(1, 3, 0.75, 4.0 / 3.0), 1.5f);
+	EXPECT_EQ(calculateDownscalePosition(0, 1, 0.25, 4.0), 0.0f);
+	EXPECT_EQ(calculateDownscalePosition(0, 0, 0.5, 2.0), 0.0f);
 
-TEST(Samplers, WeighNeighboursOnEveryAxis)
-{
-	// 2 x 2 x 2, bit 0 of the index is x, bit 1 y, bit 2 z.
-	std::vector<Byte4> cube = {{0, 0, 0, 8},   {128, 0, 0, 8},   {0, 128, 0, 8},   {128, 128, 0, 8},
-	                           {0, 0, 128, 8}, {128, 0, 128, 8}, {0, 128, 128, 8}, {128, 128, 128, 8}};
-	Byte4 sample{};
-	SampleLinear(cube.data(), &sample, 2, 2, 2, 0.25f, 0.5f, 0.125f);
-	EXPECT_EQ(sample, (Byte4{32, 64, 16, 8}));
-	// At t = 1/2 with clamped taps the spline is the mean; at 1/4 it is (111 - 9) * 0 + (29 - 3) * 128 over 128.
-	SampleCubic(cube.data(), &sample, 2, 2, 2, 0.25f, 0.5f, 0.0f);
-	EXPECT_EQ(sample, (Byte4{26, 64, 0, 8}));
-	SampleCubic(cube.data(), &sample, 2, 2, 2, 0.0f, 0.0f, 0.25f);
-	EXPECT_EQ(sample, (Byte4{0, 0, 26, 8}));
-	// In an image of depth 1 a cubic sample does not look at z.
-	SampleCubic(cube.data(), &sample, 2, 2, 1, 0.5f, 0.0f, 0.25f);
-	EXPECT_EQ(sample, (Byte4{64, 0, 0, 8}));
+	std::vector<Float4> square;
+	for (const float value : {0.1f, 7.3f, 1e-3f, 123.456f, 0.7f, 3.3e4f, 9.1f, 0.05f, 2.2f})
+	{
+		square.push_back({value, value, value, value});
+	}
+	std::vector<Float4> result(9);
+	const float kernel[9] = {0.1f, 0.7f, 0.3f, 1.9f, 2.3f, 0.6f, 0.05f, 1.1f, 0.9f};
+	ASSERT_TRUE(ConvolutionKernel(square.data(), result.data(), 3, 3, 1, kernel, 7.7f, 3, 3, 1));
+	EXPECT_EQ(result[4].r, 0x1.4562dcp+11f);
 }
 
 TEST(Samplers, FractionsAreThoseOfThePositionBeforeItIsClamped)

@@ -68,33 +68,17 @@ TEST(SharedExponent, EveryMantissaAtEveryExponentDecodes)
 	}
 }
 
-TEST(SharedExponent, NormalisedWordsEncodeToThemselvesAndOthersToTheNearest)
+TEST(SharedExponent, NormalisedWordsEncodeToThemselves)
 {
+	// A word is normalised when its largest mantissa uses the top bit, or its exponent is the smallest.
 	std::mt19937 random(9);
 	for (int i = 0; i < 20000; ++i)
 	{
-		// A word is normalised when its largest mantissa uses the top bit, or its exponent is the smallest.
 		const unsigned int exponent = random() % 32;
 		const unsigned int bits = word(exponent == 0 ? random() % 512 : 256 + random() % 256, random() % 512, random() % 512, exponent);
 		float rgb[3];
 		rgb9e5_to_float3(bits, rgb);
 		ASSERT_EQ(float3_to_rgb9e5(rgb), bits);
-
-		// No channel is further off than half of the step that the largest channel asks for.
-		std::uniform_real_distribution<float> distribution(0.0f, std::exp2f(static_cast<float>(exponent) - 15.0f));
-		float any[3];
-		float decoded[3];
-		for (float& channel : any)
-		{
-			channel = distribution(random);
-		}
-		const unsigned int coded = float3_to_rgb9e5(any);
-		rgb9e5_to_float3(coded, decoded);
-		const double step = std::exp2(static_cast<double>(coded >> 27) - 24.0);
-		for (int c = 0; c < 3; ++c)
-		{
-			ASSERT_LE(std::fabs(static_cast<double>(any[c] < 65408.0f ? any[c] : 65408.0f) - decoded[c]), step / 2);
-		}
 	}
 }
 
@@ -122,20 +106,4 @@ TEST(SharedExponent, ImagesAreRowsOfWords)
 	EXPECT_EQ(words[0], word(256, 0, 0, 16));
 }
 
-TEST(SharedExponent, Helpers)
-{
-	EXPECT_EQ(ClampRange_for_rgb9e5(kNaN), 0.0f);
-	EXPECT_EQ(ClampRange_for_rgb9e5(-kInfinity), 0.0f);
-	EXPECT_EQ(ClampRange_for_rgb9e5(kInfinity), 65408.0f);
-	EXPECT_EQ(ClampRange_for_rgb9e5(0.1f), 0.1f);
-	EXPECT_EQ(MaxOf3(1, 2, 3), 3.0f);
-	EXPECT_EQ(MaxOf3(1, 3, 2), 3.0f);
-	EXPECT_EQ(MaxOf3(3, 2, 1), 3.0f);
-	EXPECT_EQ(FloorLog2(1.0f), 0);
-	EXPECT_EQ(FloorLog2(-7.9f), 2);
-	EXPECT_EQ(FloorLog2(0.49f), -2);
-	EXPECT_EQ(FloorLog2(0.0f), -127);
-	EXPECT_EQ(Max(-3, -2), -2);
-	EXPECT_EQ(Max(4, -2), 4);
-}
 } // namespace
