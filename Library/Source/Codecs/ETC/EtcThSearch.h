@@ -110,6 +110,11 @@ bool matchPaintColours(const SearchTexels<16>& texels, const EtcPaintColours& pa
 			return false;
 		}
 	}
+	// Texels left out at the end pass by the test above, and with them an equal error.
+	if (total >= best.error)
+	{
+		return false;
+	}
 	best = {total, distance, indices};
 	return true;
 }
