@@ -25,7 +25,7 @@ echo "What the texture file says of itself:"
 # The photograph on the left, the decoded texture on the right.
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-pngtopnm "$photo" >"$work/left.ppm"
+pngtopnm "$photo" >"$work/left.ppm" 2>/dev/null
 pngtopnm "$out/astronaut-decoded.png" >"$work/right.ppm"
 pnmcat -leftright "$work/left.ppm" "$work/right.ppm" | pnmtopng >"$out/side-by-side.png" 2>/dev/null
 
