@@ -42,6 +42,18 @@ ZORT_API bool getZorvexFormatD3D(unsigned long long& pixelFormat, EZORTVariableT
 
 ZORT_API bool getZorvexFormatDXGI(unsigned long long& pixelFormat, EZORTVariableType& channelType, EZORTColourSpace& colourSpace,
                                   const unsigned int& dxgiFormat);
+
+enum EGraphicsApi : unsigned int
+{
+	eApi_OpenGL = 0,
+	eApi_Vulkan = 1,
+	eApi_Direct3D = 2,
+	eApi_DXGI = 3
+};
+
+/// The published name of a constant, such as "VK_FORMAT_R8G8B8A8_UNORM" (for OpenGL of an internal format); null for a value
+/// without one, FourCC codes among them. The text lives as long as the program.
+ZORT_API const char* getFormatConstantName(EGraphicsApi api, unsigned int value);
 } // namespace zortexture
 
 #endif // ZORT_FORMAT_MAPS_H

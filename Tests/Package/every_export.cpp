@@ -76,6 +76,7 @@ int main()
 	use(&getZorvexFormatVulkan);
 	use(&getZorvexFormatD3D);
 	use(&getZorvexFormatDXGI);
+	use(&getFormatConstantName);
 
 	use(&ZORTMapLegacyTextureEnumToNewFormat);
 	use(&ZORTConvertOldTextureHeaderToV3);

@@ -27,6 +27,8 @@ struct ConvertOptions
 	std::optional<unsigned int> surface;
 	std::optional<unsigned int> face;
 	std::optional<unsigned int> slice;
+	/// The API whose format numbers a native file of version 2 is written with; empty for version 3.
+	std::string legacyApi;
 	bool isQuiet = false;
 	bool isJson = false;
 };

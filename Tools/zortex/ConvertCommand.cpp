@@ -8,6 +8,7 @@
 #include "ConvertReport.h"
 #include "FormatCapabilities.h"
 #include "Layouts.h"
+#include "OtherContainers.h"
 #include "PngFile.h"
 #include "Refusal.h"
 #include "Text.h"
@@ -157,7 +158,7 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
 }
 
 /// Runs the whole conversion and returns the output's header and the report's figures.
-void convert(const ConvertOptions& options, ConvertReport& report)
+void convert(const ConvertOptions& options, const Container& container, ConvertReport& report)
 {
 	const Progress progress(options.input, options.isQuiet);
 	const TargetRequest request(options.target);
@@ -193,11 +194,12 @@ void convert(const ConvertOptions& options, ConvertReport& report)
 		progress.say(operation.description);
 		operation.apply(texture, context);
 	}
-	if (options.target.isPng || options.level || options.surface || options.face)
+	if (options.target.isPng || container.extension == "astc" || options.level || options.surface || options.face)
 	{
 		pickImage(texture, options, context);
 	}
 
+	fitTarget(texture, container.extension, !options.target.format.empty(), target, context.notes);
 	report.bytesBefore = texture.getDataSize();
 	addTargetNotes(texture, target, options, context);
 	const bool isSameFormat = texture.getPixelType().id == target.pixelType.id && texture.getChannelType() == target.type &&
@@ -224,6 +226,14 @@ void convert(const ConvertOptions& options, ConvertReport& report)
 	if (options.target.isPng)
 	{
 		savePng(texture, pickIndex(options.slice, texture.getDepth(), "slice", options.input), options.output);
+	}
+	else if (container.extension != "zor")
+	{
+		saveOther(texture, options.output, container.extension);
+	}
+	else if (!options.legacyApi.empty())
+	{
+		saveLegacy(texture, options.output, *findLegacyApi(options.legacyApi));
 	}
 	else
 	{
@@ -258,10 +268,19 @@ void runConvert(const ConvertOptions& options)
 		throw UsageError("--slice: only a PNG file is one slice of a volume");
 	}
 
+	if (!checked.legacyApi.empty() && findLegacyApi(checked.legacyApi) == nullptr)
+	{
+		throw UsageError("--legacy: '" + checked.legacyApi + "' is none of gl, gl1, gl2, gl3, d3d, d3d1, d3d2, dxgi, openvg");
+	}
+	if (!checked.legacyApi.empty() && container->extension != "zor")
+	{
+		throw UsageError("--legacy: only a .zor file has old versions");
+	}
+
 	ConvertReport report;
 	report.inputPath = options.input;
 	report.outputPath = options.output;
-	convert(checked, report);
+	convert(checked, *container, report);
 	report.outputFileBytes = sizeOfFile(options.output);
 	if (options.isJson)
 	{

@@ -79,6 +79,12 @@ std::string infoText(const Json& json)
 		rows.push_back({"problem", json["problem"].get<std::string>()});
 	}
 	rows.push_back({"format", formatText(json) + " (" + json["formatId"].get<std::string>() + ")"});
+	for (const auto& [key, title] :
+	     {std::pair("opengl", "OpenGL"), std::pair("vulkan", "Vulkan"), std::pair("d3d", "Direct3D"), std::pair("dxgi", "DXGI")})
+	{
+		const Json& name = json["apiFormats"][key];
+		rows.push_back({title, name.is_null() ? "-" : name.get<std::string>()});
+	}
 	rows.push_back({"channel type", json["channelType"].get<std::string>()});
 	rows.push_back({"colour space", json["colourSpace"].get<std::string>()});
 	rows.push_back({"size", joined(Json::array({json["width"], json["height"], json["depth"]}), "x")});

@@ -8,6 +8,17 @@ namespace zortex
 {
 using namespace zortexture;
 
+PixelType makeLayout(const char* letters, unsigned char bits)
+{
+	PixelType layout;
+	for (unsigned int i = 0; letters[i] != '\0'; ++i)
+	{
+		layout.channelName[i] = static_cast<unsigned char>(letters[i]);
+		layout.channelBits[i] = bits;
+	}
+	return layout;
+}
+
 unsigned int channelCount(PixelType layout)
 {
 	return static_cast<unsigned int>(4 - std::count(layout.channelName, layout.channelName + 4, 0));

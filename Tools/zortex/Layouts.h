@@ -8,6 +8,9 @@
 
 namespace zortex
 {
+/// A layout of up to four channels of one width in bits.
+zortexture::PixelType makeLayout(const char* letters, unsigned char bits);
+
 /// Number of channels of an uncompressed layout.
 unsigned int channelCount(zortexture::PixelType layout);
 

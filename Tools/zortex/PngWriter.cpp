@@ -17,17 +17,6 @@ using namespace zortexture;
 
 namespace
 {
-PixelType makeLayout(const char* letters, unsigned char bits)
-{
-	PixelType layout;
-	for (unsigned int i = 0; letters[i] != '\0'; ++i)
-	{
-		layout.channelName[i] = static_cast<unsigned char>(letters[i]);
-		layout.channelBits[i] = bits;
-	}
-	return layout;
-}
-
 [[noreturn]] void onError(png_structp png, png_const_charp message)
 {
 	auto* text = static_cast<char*>(png_get_error_ptr(png));

@@ -88,6 +88,35 @@ Json describeBlocks(const CZORTextureHeader& header)
 	return blocks;
 }
 
+/// The name of an API's constant; the characters of a FourCC code; null where the format has none.
+Json constantName(EGraphicsApi api, unsigned int value)
+{
+	if (value == 0)
+	{
+		return nullptr;
+	}
+	if (const char* name = getFormatConstantName(api, value))
+	{
+		return name;
+	}
+	const char characters[] = {static_cast<char>(value), static_cast<char>(value >> 8), static_cast<char>(value >> 16),
+	                           static_cast<char>(value >> 24)};
+	return printable(std::string(characters, sizeof(characters)));
+}
+
+/// The format in the terms of the graphics APIs.
+Json describeApis(const CZORTextureHeader& header)
+{
+	unsigned int internalFormat = 0;
+	unsigned int format = 0;
+	unsigned int type = 0;
+	const bool isKnown = header.getOGLFormat(internalFormat, format, type);
+	return {{"opengl", constantName(eApi_OpenGL, isKnown ? internalFormat : 0)},
+	        {"vulkan", constantName(eApi_Vulkan, header.getVulkanFormat())},
+	        {"d3d", constantName(eApi_Direct3D, header.getD3DFormat())},
+	        {"dxgi", constantName(eApi_DXGI, header.getDXGIFormat())}};
+}
+
 void describeMetaData(const CZORTextureHeader& header, Json& json)
 {
 	json["orientation"] = describeOrientation(header);
@@ -137,6 +166,7 @@ Json describeTexture(const CZORTextureHeader& header)
 		blockSize(*row, block[0], block[1], block[2]);
 		json["block"] = {block[0], block[1], block[2]};
 	}
+	json["apiFormats"] = describeApis(header);
 	json["width"] = raw.width;
 	json["height"] = raw.height;
 	json["depth"] = raw.depth;

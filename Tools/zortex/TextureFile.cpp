@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "AtomicOutput.h"
+#include "OtherContainers.h"
 #include "PngFile.h"
 #include "Refusal.h"
 #include "Text.h"
@@ -20,11 +21,17 @@ namespace fs = std::filesystem;
 namespace
 {
 constexpr Container kContainers[] = {
-    {"zor", "native texture", true, true},
-    {"png", "PNG picture", true, true},
+    {"zor", "native texture", true, true}, {"png", "PNG picture", true, true},   {"ktx", "KTX texture", true, true},
+    {"dds", "DDS texture", true, true},    {"astc", "ASTC texture", true, true}, {"h", "C header", false, true},
 };
 constexpr const Container& kNative = kContainers[0];
 constexpr const Container& kPng = kContainers[1];
+
+/// Whether a file is loaded by its extension through another container's loader.
+bool isOther(const Container* container)
+{
+	return container != nullptr && container != &kNative && container != &kPng && container->reads;
+}
 
 constexpr unsigned int kHeaderBytes = sizeof(ZORTextureHeaderV3);
 constexpr unsigned int kMaxLevels = 256;
@@ -93,10 +100,6 @@ ZORTextureHeaderV3 readNativeHeader(const OpenFile& file, const std::string& pat
 	{
 		std::memcpy(&word, file.start, sizeof(word));
 	}
-	if (word == kVersion1Word || word == kVersion2Word)
-	{
-		throw Refusal(path, "is a native texture of an old version, which cannot be read");
-	}
 	if (word == kSwappedMagic)
 	{
 		throw Refusal(path, "is a native texture with the other byte order, which cannot be read");
@@ -141,6 +144,27 @@ std::string nativeProblem(const ZORTextureHeaderV3& header, unsigned long long f
 		return "is cut short: " + std::to_string(fileBytes) + " of " + std::to_string(expected) + " bytes";
 	}
 	return {};
+}
+
+bool isLegacy(const OpenFile& file)
+{
+	unsigned int word = 0;
+	std::memcpy(&word, file.start, sizeof(word));
+	return file.startBytes >= sizeof(word) && (word == kVersion1Word || word == kVersion2Word);
+}
+
+CZORTexture loadLegacy(const OpenFile& file, const std::string& path)
+{
+	CZORTexture texture(path.c_str());
+	if (texture.getPixelType().id == ePF_NumCompressedPFs)
+	{
+		throw Refusal(path, "is a native texture of an old version, in a format that is not known");
+	}
+	if (!texture.isDataComplete() || file.size < 0ull + kVersion1Word + texture.getDataSize())
+	{
+		throw Refusal(path, "is a native texture of an old version, cut short or damaged");
+	}
+	return texture;
 }
 
 CZORTexture loadNative(const std::string& path)
@@ -194,6 +218,15 @@ LoadedTexture loadTexture(const std::string& path)
 	{
 		return {&kPng, loadPng(file, path), file.size};
 	}
+	const Container* container = containerOf(path);
+	if (isOther(container))
+	{
+		return {container, loadOther(path, container->extension, file.size), file.size};
+	}
+	if (isLegacy(file))
+	{
+		return {&kNative, loadLegacy(file, path), file.size};
+	}
 	const std::string problem = nativeProblem(readNativeHeader(file, path), file.size);
 	if (!problem.empty())
 	{
@@ -208,6 +241,15 @@ InspectedFile inspectTexture(const std::string& path)
 	if (isPng(file, path))
 	{
 		return {&kPng, loadPng(file, path), file.size, {}};
+	}
+	const Container* container = containerOf(path);
+	if (isOther(container))
+	{
+		return {container, loadOther(path, container->extension, file.size), file.size, {}};
+	}
+	if (isLegacy(file))
+	{
+		return {&kNative, loadLegacy(file, path), file.size, {}};
 	}
 	const ZORTextureHeaderV3 header = readNativeHeader(file, path);
 	const std::string problem = nativeProblem(header, file.size);

@@ -26,7 +26,8 @@ constexpr const char* kMainFooter = R"(A first conversion, a look at its result,
 Exit codes: 0 done, 1 a file stopped the work, 2 wrong command line.)";
 
 constexpr const char* kConvertFooter =
-    R"(IN is a PNG picture or a texture file; OUT's extension says what is made: .zor a texture, .png a picture.
+    R"(IN is a PNG picture or a texture file (.zor, .ktx, .dds, .astc); OUT's extension says what is made: one of these, .png a
+picture, .h a C header with the bytes of a .zor file.
 Without --format a texture keeps its format, and a PNG file gets the closest of its own kinds. Pixels of PNG files are
 taken as sRGB unless the file says that they are linear. --resize, --premultiply and --bleed run in the order in which
 they are given, before the conversion.
@@ -36,6 +37,7 @@ Examples:
   zortex convert photo.png small.zor --resize 256x256 --format rgb565 --dither
   zortex convert logo.png logo.zor --bleed --premultiply --format tessel1-4bpp-rgba
   zortex convert light.png light.zor --space linear --format rgba16f
+  zortex convert photo.png photo.ktx --format etc2-rgb
   zortex convert cube.zor face.png --face 3 --mip 1)";
 
 /// Reads WxH or WxHxD, each of 1 to kMaxSide.
@@ -95,6 +97,9 @@ public:
 		    ->group(format);
 		m_app.add_option("--quality", target.quality, "fast, normal, high or best, or a number of the format's own (default: normal)")
 		    ->type_name("Q")
+		    ->group(format);
+		m_app.add_option("--legacy", m_options.legacyApi, "Write a .zor file of version 2, with the numbers of gl, d3d, dxgi or openvg")
+		    ->type_name("API")
 		    ->group(format);
 		m_app.add_flag("--dither", target.dither, "Spread the rounding error of formats with few bits")->group(format);
 

@@ -367,6 +367,16 @@ TEST(FormatMaps, DXGI)
 	expectBack(back, getZorvexFormatDXGI);
 }
 
+TEST(FormatMaps, NamesOfConstants)
+{
+	EXPECT_STREQ(getFormatConstantName(eApi_OpenGL, 0x8C43), "GL_SRGB8_ALPHA8");
+	EXPECT_STREQ(getFormatConstantName(eApi_Vulkan, 37), "VK_FORMAT_R8G8B8A8_UNORM");
+	EXPECT_STREQ(getFormatConstantName(eApi_Direct3D, 21), "D3DFMT_A8R8G8B8");
+	EXPECT_STREQ(getFormatConstantName(eApi_DXGI, 28), "DXGI_FORMAT_R8G8B8A8_UNORM");
+	EXPECT_EQ(getFormatConstantName(eApi_DXGI, 12345), nullptr);
+	EXPECT_EQ(getFormatConstantName(static_cast<EGraphicsApi>(4), 28), nullptr);
+}
+
 TEST(FormatMaps, HeaderAccessors)
 {
 	CZORTextureHeader header(ZORStandard8PixelType.id, 4, 4, 1, 1, 1, 1, eCS_sRGB);
