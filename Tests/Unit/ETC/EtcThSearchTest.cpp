@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Codecs/ETC/EtcFastSearch.h"
+#include "Codecs/ETC/EtcTables.h"
 #include "ETCCodec.h"
 #include "EtcSearchTestSupport.h"
 
@@ -266,6 +267,43 @@ TEST(EtcThSearch, BlocksDecodeToTheErrorReturned)
 				EXPECT_EQ(colour0 << 12 | colour1, perceptualColours);
 			}
 		}
+	}
+}
+
+TEST(EtcThSearch, WiderSearchesTakeTheirBestClustering)
+{
+	std::mt19937 random(45);
+	for (unsigned int turn = 0; turn < 200; ++turn)
+	{
+		const Rgb16 block = mixedBlock(random, turn);
+		const unsigned char* const source = block.data();
+		const auto leastOver = [source](auto clusterings, bool isH)
+		{
+			unsigned int least = kBlockErrorCeiling;
+			for (auto* clustering : clusterings)
+			{
+				EtcColourPair colours;
+				unsigned int distance = 0;
+				unsigned int indices = 0;
+				clustering(source, 4, 0, 0, colours);
+				compressColor(4, 4, 4, colours, colours);
+				if (isH)
+				{
+					sortColorsRGB444(colours);
+				}
+				auto* const search = isH ? calculateErrorAndCompress58H : calculateError59TnoSwap;
+				unsigned int error = search(source, 4, 0, 0, colours, distance, indices);
+				swapColors(colours);
+				error = std::min(error, isH ? error : search(source, 4, 0, 0, colours, distance, indices));
+				least = std::min(least, error);
+			}
+			return least;
+		};
+		unsigned int words[2];
+		EXPECT_EQ(compressBlockTHUMB59TFast(source, 4, 0, 0, words[0], words[1]),
+		          leastOver(std::array{computeColorLBGNotIntensityFast, computeColorLBGHalfIntensityFast, computeColorLBGfast}, false));
+		EXPECT_EQ(compressBlockTHUMB58HFast(source, 4, 0, 0, words[0], words[1]),
+		          leastOver(std::array{computeColorLBGNotIntensity, computeColorLBG}, true));
 	}
 }
 
