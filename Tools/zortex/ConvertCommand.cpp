@@ -157,6 +157,18 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
 	}
 }
 
+/// Whether the array in a C header, which is named after the file up to its first dot, has a name that C takes.
+bool hasNameForC(const std::string& path)
+{
+	const std::string name = StringUtils::getFileName(path);
+	const std::string_view stem = std::string_view(name).substr(0, name.find('.'));
+	const auto isAllowed = [](char c)
+	{
+		return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+	};
+	return !stem.empty() && (stem[0] < '0' || stem[0] > '9') && std::all_of(stem.begin(), stem.end(), isAllowed);
+}
+
 /// Runs the whole conversion and returns the output's header and the report's figures.
 void convert(const ConvertOptions& options, const Container& container, ConvertReport& report)
 {
@@ -200,6 +212,10 @@ void convert(const ConvertOptions& options, const Container& container, ConvertR
 	}
 
 	fitTarget(texture, container.extension, !options.target.format.empty(), target, context.notes);
+	if (container.extension == "h" && !hasNameForC(options.output))
+	{
+		context.notes.push_back("the array is named after the file, which is no name in C: the header does not compile as it is");
+	}
 	report.bytesBefore = texture.getDataSize();
 	addTargetNotes(texture, target, options, context);
 	const bool isSameFormat = texture.getPixelType().id == target.pixelType.id && texture.getChannelType() == target.type &&
