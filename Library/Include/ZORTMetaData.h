@@ -105,17 +105,15 @@ public:
 		const unsigned int index = size;
 		if (size == capacity)
 		{
-			const T copy(element); // growing releases the slot that `element` may refer to
+			T copy(element); // growing releases the slot that `element` may refer to
 			SetCapacity(size + 1);
-			++size;
-			data[index] = copy;
-			return index;
+			data[index] = std::move(copy);
 		}
-		++size;
-		if (&data[index] != &element)
+		else if (&data[index] != &element)
 		{
 			data[index] = element;
 		}
+		++size;
 		return index;
 	}
 

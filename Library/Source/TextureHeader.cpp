@@ -342,7 +342,7 @@ void CZORTextureHeader::setTextureAtlas(const float* atlasData, unsigned int num
 void CZORTextureHeader::setCubeMapOrder(const std::string& cubeMapOrder)
 {
 	const unsigned int length = static_cast<unsigned int>(std::min<std::size_t>(cubeMapOrder.size(), kMaxCubeFaces));
-	std::memcpy(renewOwnMetaData(kMetaKeyCubeOrder, length), cubeMapOrder.data(), length);
+	std::copy_n(cubeMapOrder.data(), length, renewOwnMetaData(kMetaKeyCubeOrder, length));
 }
 
 void CZORTextureHeader::setBorder(unsigned int x, unsigned int y, unsigned int z)
