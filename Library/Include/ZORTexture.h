@@ -83,6 +83,7 @@ private:
 	bool privateSaveLegacyZORFile(std::FILE* stream, ELegacyApi api) const;
 
 	bool readKTXLevel(std::istream& stream, unsigned int level, bool isCubeMap);
+	bool readPaddedRows(std::istream& stream, unsigned int level, unsigned long long image, unsigned int rowPadding);
 	void writeKTXLevel(std::ostream& stream, unsigned int level, bool isCubeMap) const;
 
 	/// Replaces the block by a zeroed one of the size that the header describes.

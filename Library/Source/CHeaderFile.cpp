@@ -62,7 +62,16 @@ bool CZORTexture::privateSaveCHeaderFile(std::FILE* stream, const std::string& n
 	}
 
 	std::fputs("\n/* Data */\n", stream);
-	printBytes(stream, m_textureData, m_blockSize, [](unsigned long long index) { return index % 32 == 31; });
+	// As many bytes as the header tells, whatever the block holds: the array is read back by the header.
+	const unsigned long long dataSize = getDataSize(-1, true, true);
+	for (unsigned long long i = 0; i < dataSize; ++i)
+	{
+		std::fprintf(stream, "0x%02x,", i < m_blockSize ? m_textureData[i] : 0u);
+		if (i % 32 == 31)
+		{
+			std::fputc('\n', stream);
+		}
+	}
 	std::fputs("};\n", stream);
 	return true;
 }

@@ -180,6 +180,35 @@ bool CZORTexture::privateLoadKTXFile(std::istream& stream)
 	return isFormatKnown;
 }
 
+bool CZORTexture::readPaddedRows(std::istream& stream, unsigned int level, unsigned long long image, unsigned int rowPadding)
+{
+	const unsigned int bytesPerPixel = getBitsPerPixel() >> 3;
+	const unsigned int rowBytes = getWidth(level) * bytesPerPixel;
+	const unsigned long long rowStep = static_cast<unsigned long long>(getWidth(level)) * bytesPerPixel;
+	const unsigned long long rows = static_cast<unsigned long long>(getHeight(level)) * getDepth(level);
+	for (unsigned long long row = 0; row < rows; ++row)
+	{
+		const unsigned long long offset = image + row * rowStep;
+		if (offset > m_blockSize || rowBytes > m_blockSize - offset)
+		{
+			return false;
+		}
+		unsigned char* const destination = m_textureData + offset;
+		if (row < 2)
+		{
+			stream.read(reinterpret_cast<char*>(destination), rowBytes);
+			// Paddings are sought from the start of the file: only files without any load whole.
+			stream.seekg(rowPadding);
+		}
+		else
+		{
+			// From the second row on, every row is read from the same place.
+			std::memcpy(destination, destination - rowStep, rowBytes);
+		}
+	}
+	return true;
+}
+
 bool CZORTexture::readKTXLevel(std::istream& stream, unsigned int level, bool isCubeMap)
 {
 	const int mipLevel = static_cast<int>(level);
@@ -196,16 +225,6 @@ bool CZORTexture::readKTXLevel(std::istream& stream, unsigned int level, bool is
 	const unsigned int rowPadding = hasRows(getPixelType()) && !isUnpadded ? paddingTo4(rowBytes) : 0;
 
 	const unsigned int faceSize = getDataSize(mipLevel, false, false);
-	const auto readInto = [&](unsigned long long offset, unsigned long long size)
-	{
-		if (offset > m_blockSize || size > m_blockSize - offset)
-		{
-			return false;
-		}
-		stream.read(reinterpret_cast<char*>(m_textureData) + offset, static_cast<std::streamsize>(size));
-		return true;
-	};
-
 	unsigned long long levelOffset = 0;
 	for (unsigned int above = 0; above < level; ++above)
 	{
@@ -215,37 +234,42 @@ bool CZORTexture::readKTXLevel(std::istream& stream, unsigned int level, bool is
 	const bool isEmpty = faceSize == 0 && rowPadding == 0;
 	const unsigned int members = isEmpty ? std::min(1u, getNumArrayMembers()) : getNumArrayMembers();
 	const unsigned int faces = isEmpty ? std::min(1u, getNumFaces()) : getNumFaces();
+	// With a padding, every image from the second on is read from the same place.
+	const bool repeats = rowPadding != 0 || cubePadding != 0;
+	const unsigned char* previous = nullptr;
+	unsigned long long numRead = 0;
 	for (unsigned int member = 0; member < members; ++member)
 	{
 		for (unsigned int face = 0; face < faces; ++face)
 		{
 			const unsigned long long image = levelOffset + static_cast<unsigned long long>(member) * getDataSize(mipLevel, false, true) +
 			                                 static_cast<unsigned long long>(face) * faceSize;
-			if (rowPadding == 0)
+			if (rowPadding == 0 || numRead >= 2)
 			{
-				if (!readInto(image, faceSize))
+				if (image > m_blockSize || faceSize > m_blockSize - image)
 				{
 					return false;
 				}
 			}
-			else
+			unsigned char* const destination = m_textureData + image;
+			if (repeats && numRead >= 2)
 			{
-				const unsigned long long rowStep = static_cast<unsigned long long>(getWidth(level)) * bytesPerPixel;
-				const unsigned long long rows = static_cast<unsigned long long>(getHeight(level)) * getDepth(level);
-				for (unsigned long long row = 0; row < rows; ++row)
-				{
-					if (!readInto(image + row * rowStep, rowBytes))
-					{
-						return false;
-					}
-					// Paddings are sought from the start of the file: only files without any load whole.
-					stream.seekg(rowPadding);
-				}
+				std::memmove(destination, previous, faceSize);
+			}
+			else if (rowPadding == 0)
+			{
+				stream.read(reinterpret_cast<char*>(destination), faceSize);
+			}
+			else if (!readPaddedRows(stream, level, image, rowPadding))
+			{
+				return false;
 			}
 			if (cubePadding != 0)
 			{
 				stream.seekg(cubePadding);
 			}
+			previous = destination;
+			++numRead;
 		}
 	}
 	if (mipPadding != 0)
@@ -286,7 +310,9 @@ void CZORTexture::toKTX(std::ostream& stream) const
 	stream.write(text.c_str(), textSize + 1);
 	writeZeroes(stream, textPadding);
 
-	if (!isDataComplete())
+	// Without surfaces or faces there are still the sizes of no images.
+	const bool hasImages = fields.numSurfaces != 0 && fields.numFaces != 0;
+	if (m_textureData == nullptr || fields.numMipMaps > kMaxFileLevels || (hasImages && !isDataComplete()))
 	{
 		return;
 	}

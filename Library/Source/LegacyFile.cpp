@@ -20,7 +20,7 @@ std::size_t headerSizeOf(const ZORTextureHeaderV2& old)
 /// Whether the levels, which are one more than the header counts, are as many as a file may have.
 bool hasFewLevels(const ZORTextureHeaderV2& old)
 {
-	return old.mipMapCount < kMaxFileLevels;
+	return old.mipMapCount + 1 <= kMaxFileLevels; // wraps to 0 levels, which are few
 }
 
 void convert(const ZORTextureHeaderV2& old, ZORTextureHeaderV3& header, MetaDataMap& metaData)
@@ -98,6 +98,13 @@ bool CZORTexture::saveFileLegacyZOR(const std::string& filePath, ELegacyApi api)
 bool CZORTexture::privateSaveLegacyZORFile(std::FILE* stream, ELegacyApi api) const
 {
 	if (stream == nullptr || getFileHeader().depth > 1)
+	{
+		return false;
+	}
+	// A texture with images but without all of their bytes cannot be written.
+	const ZORTextureHeaderV3 fields = getFileHeader();
+	const bool hasImages = fields.numMipMaps != 0 && fields.numSurfaces != 0 && fields.numFaces != 0;
+	if (hasImages && (!isDataComplete() || getDataSize(-1, true, true) == 0))
 	{
 		return false;
 	}

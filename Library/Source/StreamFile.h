@@ -13,25 +13,42 @@
 
 namespace zortexture
 {
-/// Reads `size` bytes in pieces, so that memory grows with what the stream really holds and not with what a file claims.
-/// A short read throws, by the stream's exception mask. False when memory runs out.
+/// Appends `size` bytes in pieces, so that memory grows with what the source really holds and not with what is claimed.
+/// `read(destination, count)` returns false where the source ends. Returns false then.
+template<typename Read>
+bool appendInPieces(std::string& bytes, unsigned long long size, Read&& read)
+{
+	constexpr unsigned long long kPiece = 1 << 16;
+	while (size != 0)
+	{
+		const std::size_t before = bytes.size();
+		const auto count = static_cast<std::size_t>(std::min(kPiece, size));
+		bytes.resize(before + count);
+		if (!read(bytes.data() + before, count))
+		{
+			return false;
+		}
+		size -= count;
+	}
+	return true;
+}
+
+/// Reads `size` bytes of a stream. A short read throws, by the stream's exception mask. False when memory runs out.
 inline bool readGrowing(std::istream& stream, unsigned int size, std::string& bytes)
 {
-	constexpr std::size_t kPiece = 1 << 16;
 	try
 	{
-		while (bytes.size() < size)
-		{
-			const std::size_t before = bytes.size();
-			bytes.resize(before + std::min<std::size_t>(kPiece, size - before));
-			stream.read(bytes.data() + before, static_cast<std::streamsize>(bytes.size() - before));
-		}
+		return appendInPieces(bytes, size,
+		                      [&](char* destination, std::size_t count)
+		                      {
+			                      stream.read(destination, static_cast<std::streamsize>(count));
+			                      return true;
+		                      });
 	}
 	catch (const std::bad_alloc&)
 	{
 		return false;
 	}
-	return true;
 }
 
 /// Reads a whole file into memory and calls `load(std::istream&)` on it. False when the file cannot be read whole, and when
@@ -48,8 +65,9 @@ bool loadThroughMemory(std::FILE* file, Load&& load)
 	{
 		return false;
 	}
-	std::string bytes(static_cast<std::size_t>(length), '\0');
-	if (std::fread(bytes.data(), 1, bytes.size(), file) != bytes.size())
+	std::string bytes; // a folder, too, opens as a file and claims a length
+	if (!appendInPieces(bytes, static_cast<unsigned long long>(length),
+	                    [&](char* destination, std::size_t count) { return std::fread(destination, 1, count, file) == count; }))
 	{
 		return false;
 	}
