@@ -14,7 +14,8 @@ namespace zortexture
 using rgb9e5 = unsigned int;
 
 /// One bit a pixel, first pixel at bit 0; set where the mean of r, g and b is at least 128. Returns pixels / 8; pixels
-/// after the last whole byte are dropped, and fewer than 8 pixels return 0. A null pointer makes it a size query.
+/// after the last whole byte are dropped when encoding, and fewer than 8 pixels return 0; decoding reads a byte for them too. A
+/// null pointer makes it a size query.
 ZORT_API unsigned int OneBPPCompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height);
 ZORT_API unsigned int OneBPPDecompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height);
 
@@ -23,7 +24,8 @@ ZORT_API unsigned int RGB9E5Compress(const void* source, void* destination, cons
 ZORT_API unsigned int RGB9E5Decompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height);
 
 /// Pairs of pixels with one red and one blue (those of the first) and two greens. `format` is ePF_RGBG8888 or
-/// ePF_GRGB8888; any other gives 0. An odd last column is dropped when encoding.
+/// ePF_GRGB8888; any other gives 0, and so does a null pointer. An odd last column is dropped when encoding; decoding reads a
+/// word for it, so that the source holds at least the bytes of the width rounded up to 2. The same holds for YUV.
 ZORT_API unsigned int RGBGCompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height,
                                    const EZORTPixelFormat& format);
 ZORT_API unsigned int RGBGDecompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height,

@@ -11,6 +11,7 @@
 #include "OtherContainers.h"
 #include "PngFile.h"
 #include "Refusal.h"
+#include "StandardOutputGuard.h"
 #include "Text.h"
 #include "TextureDescription.h"
 #include "TextureFile.h"
@@ -140,8 +141,12 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
 	progress.say((target.pixelType.isCompressed() ? "encoding to " : "converting to ") + formatName(target.pixelType, target.type));
 
 	const auto start = std::chrono::steady_clock::now();
-	const bool isConverted =
-	    Transcode(texture, target.pixelType, target.type, target.space, static_cast<ECompressorQuality>(target.quality), target.dither);
+	bool isConverted = false;
+	{
+		const StandardOutputGuard guard; // some codecs print debug lines there
+		isConverted =
+		    Transcode(texture, target.pixelType, target.type, target.space, static_cast<ECompressorQuality>(target.quality), target.dither);
+	}
 	report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 	if (!isConverted)
 	{

@@ -193,20 +193,24 @@ void fitTarget(const CZORTextureHeader& shape, std::string_view extension, bool 
 
 CZORTexture loadOther(const std::string& path, std::string_view extension, unsigned long long fileBytes)
 {
-	// The stream loaders tell a file that is cut short.
-	if (extension != "dds")
+	CZORTexture texture;
+	try
 	{
-		std::ifstream stream(path, std::ios::binary);
-		try
+		if (extension == "ktx")
 		{
-			const CZORTexture probe = extension == "ktx" ? CZORTexture::fromKTX(stream) : CZORTexture::fromASTC(stream);
+			// The stream's loader tells a file that is cut short, which the path's keeps to itself.
+			std::ifstream stream(path, std::ios::binary);
+			texture = CZORTexture::fromKTX(stream);
 		}
-		catch (const std::ios_base::failure&)
+		else
 		{
-			throw Refusal(path, "is cut short, or its header is damaged");
+			texture = CZORTexture(path.c_str());
 		}
 	}
-	CZORTexture texture(path.c_str());
+	catch (const std::ios_base::failure&)
+	{
+		throw Refusal(path, "is cut short, or its header is damaged");
+	}
 	const ZORTextureHeaderV3 header = texture.getFileHeader();
 	if (texture.getPixelType().id == ePF_NumCompressedPFs)
 	{

@@ -13,7 +13,7 @@ bool expandToWidthDivByFour(unsigned char*& image, int width, int height, int& e
 {
 	if (width % 4 == 0)
 	{
-		std::printf("Image already of even width\n");
+		std::printf("Image already of even width");
 		expandedWidth = width;
 		expandedHeight = height;
 		return false;
@@ -26,7 +26,7 @@ bool expandToWidthDivByFour(unsigned char*& image, int width, int height, int& e
 	auto* expanded = newWidth == 0 || tooLarge ? nullptr : new (std::nothrow) unsigned char[newWidth * rows * pixelBytes];
 	if (expanded == nullptr)
 	{
-		std::printf("Could not allocate memory to expand width\n");
+		std::printf("Could not allocate memory to expand width");
 		return false;
 	}
 	const std::size_t rowBytes = static_cast<std::size_t>(width) * pixelBytes;

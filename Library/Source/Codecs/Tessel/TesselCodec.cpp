@@ -42,6 +42,10 @@ unsigned int TesselDecompress(const void* compressed, void* pixels, const unsign
 	{
 		return size;
 	}
+	if (std::uint64_t(width) * height * 4 != size)
+	{
+		return 0; // more pixels than a size query can tell
+	}
 	if (version != 0)
 	{
 		return tessel_decompress(compressed, pixels, width, height, version, is2bpp) != 0 ? size : 0;

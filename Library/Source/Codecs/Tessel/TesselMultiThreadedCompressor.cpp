@@ -89,6 +89,10 @@ void TesselMultiThreadedCompressor::calculateModulations(const TesselCompressorB
 unsigned int tesselCompress2bppMW(void* in, void* out, unsigned int width, unsigned int height, bool /*unusedFlag*/, bool overlapWindow,
                                   bool /*is2bpp*/, int iterations)
 {
+	if (width < 8 || height < 4)
+	{
+		return 0; // no whole block
+	}
 	compressFast<Tessel2bppCompressor>(in, out, width, height, overlapWindow, iterations);
 	return width * height / 4;
 }
@@ -96,6 +100,10 @@ unsigned int tesselCompress2bppMW(void* in, void* out, unsigned int width, unsig
 unsigned int tesselCompress4bppMW(void* in, void* out, unsigned int width, unsigned int height, bool /*unusedFlag*/, bool overlapWindow,
                                   bool /*is2bpp*/, int iterations)
 {
+	if (width < 4 || height < 4)
+	{
+		return 0; // no whole block
+	}
 	compressFast<Tessel4bppCompressor>(in, out, width, height, overlapWindow, iterations);
 	return width * height / 2;
 }
