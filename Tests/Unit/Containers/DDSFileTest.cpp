@@ -1,6 +1,8 @@
+#include <cstring>
 #include <gtest/gtest.h>
 
 #include "FileBytes.h"
+#include "FormatText.h"
 
 using namespace zortexture;
 
@@ -254,6 +256,118 @@ TEST(DDSFile, ReadsShapesFromBothHeaders)
 	EXPECT_TRUE(loadBytes(header(premultiplied).count(1, 16).bytes, ".dds").isPreMultiplied());
 }
 
+// Of a format's description in the file: flags, FourCC, bit count, masks.
+TEST(DDSFile, DescribesEachFormatByItsMasks)
+{
+	struct Case
+	{
+		const char* format;
+		unsigned int type;
+		const char* description; ///< flags, FourCC (- for DX10), bits, red, green, blue, alpha; hexadecimal but for the bits
+	};
+	const Case cases[] = {
+	    {"rgb8.8.8", 8, "40 - 24 ff0000 ff00 ff 0"},
+	    {"argb8.8.8.8", 8, "41 - 32 ff0000 ff00 ff ff000000"},
+	    {"rgb5.6.5", 4, "40 - 16 f800 7e0 1f 0"},
+	    {"xrgb1.5.5.5", 4, "40 - 16 7c00 3e0 1f 0"},
+	    {"argb1.5.5.5", 8, "41 - 16 7c00 3e0 1f 8000"},
+	    {"argb4.4.4.4", 8, "41 - 16 f00 f0 f f000"},
+	    {"rgb3.3.2", 8, "40 - 8 e0 1c 3 0"},
+	    {"a8", 0, "2 - 8 0 0 0 ff"},
+	    {"argb8.3.3.2", 8, "41 - 16 e0 1c 3 ff00"},
+	    {"abgr2.10.10.10", 8, "41 - 32 3ff00000 ffc00 3ff c0000000"},
+	    {"gr16.16", 4, "40 - 32 ffff ffff0000 0 0"},
+	    {"argb2.10.10.10", 8, "41 - 32 3ff ffc00 3ff00000 c0000000"},
+	    {"l8", 0, "20000 - 8 ff 0 0 0"},
+	    {"al8.8", 0, "20001 - 16 ff 0 0 ff00"},
+	    {"al4.4", 8, "20001 - 8 f 0 0 f0"},
+	    {"gr8.8", 9, "80000 - 16 ff ff00 0 0"},
+	    {"lgr6.5.5", 9, "40000 - 16 1f 3e0 fc00 0"},
+	    {"xlgr8.8.8.8", 9, "40000 - 32 ff ff00 ff0000 0"},
+	    {"abgr8.8.8.8", 9, "80000 - 32 ff ff00 ff0000 ff000000"},
+	    {"gr16.16", 9, "80000 - 32 ffff ffff0000 0 0"},
+	    {"abgr2.10.10.10", 9, "80001 - 32 3ff00000 ffc00 3ff c0000000"},
+	    {"l16", 4, "20000 - 16 ffff 0 0 0"},
+	    {"abgr16.16.16.16", 8, "4 24 0 0 0 0 0"},
+	    {"r16", 12, "4 6f 0 0 0 0 0"},
+	    {"gr16.16", 12, "4 70 0 0 0 0 0"},
+	    {"rgba16.16.16.16", 12, "4 71 0 0 0 0 0"},
+	    {"r32", 12, "4 72 0 0 0 0 0"},
+	    {"rg32.32", 12, "4 73 0 0 0 0 0"},
+	    {"abgr32.32.32.32", 12, "4 74 0 0 0 0 0"},
+	    {"#1", 0, "4 324c5354 0 0 0 0 0"}, // TSL2
+	    {"#3", 0, "4 344c5354 0 0 0 0 0"}, // TSL4
+	    {"#7", 0, "4 31545844 0 0 0 0 0"}, // DXT1 to DXT5
+	    {"#8", 0, "4 32545844 0 0 0 0 0"},
+	    {"#9", 0, "4 33545844 0 0 0 0 0"},
+	    {"#10", 0, "4 34545844 0 0 0 0 0"},
+	    {"#11", 0, "4 35545844 0 0 0 0 0"},
+	    {"#16", 0, "4 59565955 0 0 0 0 0"}, // UYVY
+	    {"#17", 0, "4 32595559 0 0 0 0 0"}, // YUY2
+	    // The extended header, by its DXGI number.
+	    {"xrgb8.8.8.8", 8, "4 - 0 0 0 0 0 dxgi 0"},
+	    {"#20", 0, "4 - 0 0 0 0 0 dxgi 68"},
+	    {"#21", 0, "4 - 0 0 0 0 0 dxgi 69"},
+	    {"bgra8.8.8.8", 0, "4 - 0 0 0 0 0 dxgi 87"},
+	};
+	for (const Case& one : cases)
+	{
+		const CZORTextureHeader shape(parseFormat(one.format), 4, 4, 1, 1, 1, 1, eCS_lRGB, static_cast<EZORTVariableType>(one.type));
+		const std::string file = written(shape);
+		ASSERT_GE(file.size(), 128u) << one.format;
+		const auto wordAt = [&](std::size_t position)
+		{
+			unsigned int value = 0;
+			std::memcpy(&value, file.data() + position, sizeof(value));
+			return value;
+		};
+		std::ostringstream description;
+		description << std::hex << wordAt(80) << " ";
+		wordAt(84) == 0x30315844 ? description << "-" : description << wordAt(84);
+		description << " " << std::dec << wordAt(88) << std::hex;
+		for (std::size_t mask = 92; mask < 108; mask += 4)
+		{
+			description << " " << wordAt(mask);
+		}
+		const bool isExtended = file.size() == 148 + shape.getDataSize();
+		EXPECT_TRUE(isExtended || file.size() == 128 + shape.getDataSize()) << one.format;
+		if (isExtended)
+		{
+			description << " dxgi " << std::dec << wordAt(128);
+		}
+		EXPECT_EQ(description.str(), one.description) << one.format << " " << one.type;
+	}
+}
+
+TEST(DDSFile, ReadsOddExtendedHeaders)
+{
+	Fields fields = extended(Fields());
+	fields.width = fields.height = 4;
+	const auto load = [&](unsigned int dxgi, unsigned int misc)
+	{
+		return loadBytes(header(fields).words({dxgi, 3, misc, 0, 0}).count(1, 96).bytes, ".dds");
+	};
+	const CZORTexture bc4 = load(80, 0);
+	EXPECT_EQ(bc4.getPixelType().id, ePF_BC4);
+	EXPECT_EQ(bc4.getColourSpace(), eCS_sRGB);
+	EXPECT_EQ(bc4.getChannelType(), eVT_UnsignedIntegerNorm);
+	EXPECT_EQ(blockOf(bc4), FileBytes().count(1, 8).bytes);
+
+	const CZORTexture bc6h = load(96, 0);
+	EXPECT_EQ(bc6h.getPixelType().id, ePF_BC7);
+	EXPECT_EQ(bc6h.getDataSize(), 0u) << "a format without storage";
+
+	const CZORTexture unknown = load(999, 0);
+	EXPECT_EQ(unknown.getPixelType().id, ePF_NumCompressedPFs);
+	EXPECT_EQ(unknown.getWidth(), 4u);
+	EXPECT_EQ(unknown.getDataSize(), 0u);
+
+	const CZORTexture cube = load(61, 4);
+	EXPECT_EQ(cube.getNumFaces(), 6u);
+	EXPECT_EQ(cube.getNumArrayMembers(), 1u);
+	EXPECT_EQ(blockOf(cube), FileBytes().count(1, 96).bytes);
+}
+
 TEST(DDSFile, SurvivesCutAndLyingFiles)
 {
 	const std::string whole = written({ZORStandard8PixelType.id, 4, 4, 1, 3, 2, 6});
@@ -272,17 +386,18 @@ TEST(DDSFile, SurvivesCutAndLyingFiles)
 		unsigned int levels;
 		unsigned int arraySize;
 		unsigned int misc;
+		bool hasBlock; ///< one too small for what the header says, perhaps of no bytes
 	};
 	const Case lies[] = {
-	    {0x10000, 0x10000, 1, 1, 1, 0},
-	    {0x10001, 0x10001, 1, 1, 1, 0},
-	    {0x10000, 0x8000, 6, 1, 1, 0},
-	    {1, 1, 1, 0xFFFFFFFF, 1, 0},
-	    {1, 1, 1, 257, 1, 0},
-	    {1, 1, 1, 1, 0x2AAAAAAB, 4},
-	    {0x10000, 0x10000, 1, 1, 0xFFFFFFFF, 4},
-	    {1, 1, 1, 33, 0x2AAAAAAB, 4},
-	    {0, 0, 0, 0, 0, 0},
+	    {0x10000, 0x10000, 1, 1, 1, 0, true},
+	    {0x10001, 0x10001, 1, 1, 1, 0, true},
+	    {0x10000, 0x8000, 6, 1, 1, 0, true},
+	    {1, 1, 1, 0xFFFFFFFF, 1, 0, false},
+	    {1, 1, 1, 257, 1, 0, false},
+	    {1, 1, 1, 1, 0x2AAAAAAB, 4, true},
+	    {0x10000, 0x10000, 1, 1, 0xFFFFFFFF, 4, true},
+	    {1, 1, 1, 33, 0x2AAAAAAB, 4, true},
+	    {0, 0, 0, 0, 0, 0, false},
 	};
 	for (const Case& lie : lies)
 	{
@@ -292,7 +407,9 @@ TEST(DDSFile, SurvivesCutAndLyingFiles)
 		fields.height = lie.height;
 		fields.depth = lie.depth;
 		fields.levels = lie.levels;
-		touchAll(loadBytes(header(fields).words({61, 4, lie.misc, lie.arraySize, 0}).count(1, 64).bytes, ".dds"));
+		const CZORTexture texture = loadBytes(header(fields).words({61, 4, lie.misc, lie.arraySize, 0}).count(1, 64).bytes, ".dds");
+		EXPECT_FALSE(texture.isDataComplete()) << lie.width << " " << lie.levels;
+		EXPECT_EQ(texture.getDataPtr(0, 0, 0) != nullptr, lie.hasBlock) << lie.width << " " << lie.levels;
 	}
 }
 } // namespace

@@ -10,6 +10,7 @@
 
 #include "FormatMapTables.h"
 #include "FormatMaps.h"
+#include "FormatText.h"
 #include "ZORTextureHeader.h"
 
 using namespace zortexture;
@@ -17,28 +18,6 @@ using namespace zortexture;
 namespace
 {
 constexpr unsigned int kNumTypes = 16; // two past the last one
-
-/// "rgba8.8.8.8" or "#7" as an identifier.
-unsigned long long parseFormat(const std::string& text)
-{
-	if (text[0] == '#')
-	{
-		return std::stoull(text.substr(1));
-	}
-	const std::size_t digits = text.find_first_of("0123456789");
-	unsigned long long id = 0;
-	for (std::size_t i = 0; i < digits; ++i)
-	{
-		id |= static_cast<unsigned long long>(text[i]) << (8 * i);
-	}
-	std::istringstream widths(text.substr(digits));
-	std::string width;
-	for (unsigned int i = 4; std::getline(widths, width, '.'); ++i)
-	{
-		id |= std::stoull(width) << (8 * i);
-	}
-	return id;
-}
 
 unsigned int parseNumber(const std::string& text, int base)
 {

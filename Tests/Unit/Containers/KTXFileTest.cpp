@@ -84,6 +84,10 @@ TEST(KTXFile, WritesTheseBytes)
 	cubeArray.arrayElements = 2;
 	EXPECT_EQ(written({rgba8, 1, 1, 1, 1, 2, 6}), writtenHeader(cubeArray).word(48).count(1, 48).bytes) << "an array of them counts all";
 
+	Fields array;
+	array.arrayElements = 3;
+	EXPECT_EQ(written({rgba8, 1, 1, 1, 1, 3}), writtenHeader(array).word(12).count(1, 12).bytes);
+
 	Fields volume;
 	volume.width = 2;
 	volume.depth = 3;
@@ -140,6 +144,7 @@ TEST(KTXFile, KeepsTexturesWhoseRowsNeedNoPadding)
 	    {ePF_TesselII_4bpp, 16, 16, 1, 5, 1, 1, eCS_sRGB},
 	    {ePF_EAC_RG11, 8, 8, 1, 1, 2, 1, eCS_lRGB, eVT_UnsignedByteNorm},
 	    {ePF_ASTC_6x6x6, 8, 8, 8},
+	    {ePF_R9G9B9E5, 3, 3, 1, 2, 1, 1, eCS_lRGB, eVT_UnsignedFloat},
 	};
 	for (CZORTextureHeader shape : shapes)
 	{
@@ -172,6 +177,10 @@ TEST(KTXFile, ReadsOnFromTheStartAfterPadding)
 	ASSERT_EQ(block.size(), 30u);
 	EXPECT_EQ(block.substr(0, 15), FileBytes().count(1, 15).bytes);
 	EXPECT_EQ(block.substr(15), file.substr(1, 15));
+
+	// The next level's size is read from there too, "KTX " with its three bytes of padding, and its row after it.
+	const std::string mips = written({shape.getPixelType().id, 2, 5, 1, 2});
+	EXPECT_EQ(blockOf(loadBytes(mips, ".ktx")), FileBytes().count(1, 15).text(mips.substr(1, 15) + mips.substr(5, 6)).bytes);
 
 	// A writer that does not pad rows is known by its image size.
 	Fields fields;
@@ -218,31 +227,63 @@ TEST(KTXFile, ReadsOrientationFromKeyValueData)
 	EXPECT_FALSE(loadBytes(header(Fields()).word(4).count(1, 4).bytes, ".ktx").hasMetaData(kZORTextureMagic, kMetaKeyOrientation));
 }
 
+TEST(KTXFile, ReadsOnWithoutAFormatOrLevels)
+{
+	Fields unknown;
+	unknown.width = 7;
+	unknown.internalFormat = 0x1234;
+	unknown.format = 0x1234;
+	Fields noLevels;
+	noLevels.width = 7;
+	noLevels.levels = 0;
+	for (const Fields& fields : {unknown, noLevels})
+	{
+		const std::string file = header(fields).word(28).count(1, 28).bytes;
+		std::istringstream stream(file);
+		for (const CZORTexture& texture : {loadBytes(file, ".ktx"), CZORTexture::fromKTX(stream)})
+		{
+			EXPECT_EQ(texture.getFileHeader().width, 7u);
+			EXPECT_EQ(texture.getNumMIPLevels(), fields.levels);
+			EXPECT_EQ(texture.getPixelType().id, fields.levels == 0 ? ZORStandard8PixelType.id : PixelType(ePF_NumCompressedPFs).id);
+			EXPECT_EQ(texture.getDataSize(), 0u);
+			EXPECT_EQ(blockOf(texture), "");
+		}
+	}
+}
+
 TEST(KTXFile, RefusesForeignAndSurvivesLyingFiles)
 {
 	std::string swapped = written({ZORStandard8PixelType.id, 2, 3});
 	std::swap(swapped[12], swapped[15]);
 	EXPECT_EQ(loadBytes(swapped, ".ktx").getWidth(), 1u) << "a file of the other byte order changes nothing";
 
+	enum Outcome
+	{
+		eNoBlock,
+		eTooSmall, ///< a block, perhaps of no bytes, but not what the header says
+		eWhole
+	};
 	struct Case
 	{
 		const char* name;
 		void (*lie)(Fields&);
 		std::string tail;
+		Outcome outcome;
+		bool throws = false; ///< from a stream
 	};
 	const std::string image = FileBytes().word(4).count(1, 4).bytes;
 	const Case cases[] = {
-	    {"levels beyond any shift", [](Fields& f) { f.levels = 0xFFFFFFFF; }, image},
-	    {"as many levels as a byte counts, and one more", [](Fields& f) { f.levels = 257; }, image},
-	    {"faces times array members wraps to 0", [](Fields& f) { f.faces = f.arrayElements = 0x10000; }, image},
+	    {"levels beyond any shift", [](Fields& f) { f.levels = 0xFFFFFFFF; }, image, eNoBlock},
+	    {"as many levels as a byte counts, and one more", [](Fields& f) { f.levels = 257; }, image, eNoBlock},
+	    {"faces times array members wraps to 0", [](Fields& f) { f.faces = f.arrayElements = 0x10000; }, image, eTooSmall},
 	    {"faces times array members wraps to a little",
 	     [](Fields& f)
 	     {
 		     f.faces = 0x10001;
 		     f.arrayElements = 0xFFFF0001;
 	     },
-	     image},
-	    {"dimensions wrap to a little", [](Fields& f) { f.width = f.height = 0x10001; }, image},
+	     image, eTooSmall},
+	    {"dimensions wrap to a little", [](Fields& f) { f.width = f.height = 0x10001; }, image, eTooSmall, true},
 	    {"rows of a wrapped width",
 	     [](Fields& f)
 	     {
@@ -250,7 +291,7 @@ TEST(KTXFile, RefusesForeignAndSurvivesLyingFiles)
 		     f.internalFormat = kRGB8;
 		     f.height = 3;
 	     },
-	     image},
+	     image, eTooSmall},
 	    {"no bytes in 2^32 images",
 	     [](Fields& f)
 	     {
@@ -258,19 +299,34 @@ TEST(KTXFile, RefusesForeignAndSurvivesLyingFiles)
 		     f.height = 0x10000;
 		     f.faces = 0xFFFFFFFF;
 	     },
-	     image},
-	    {"key/value data past the end", [](Fields& f) { f.bytesOfKeyValueData = 0xFFFFFFFC; }, image},
+	     image, eTooSmall},
+	    {"key/value data past the end", [](Fields& f) { f.bytesOfKeyValueData = 0xFFFFFFFC; }, image, eNoBlock, true},
 	    {"a pair longer than its block and the file", [](Fields& f) { f.bytesOfKeyValueData = 8; },
-	     FileBytes().word(0xFFFFFFFF).bytes + image},
-	    {"pairs that never meet the end", [](Fields& f) { f.bytesOfKeyValueData = 9; }, FileBytes().zeroes(64).bytes},
+	     FileBytes().word(0xFFFFFFFF).bytes + image, eNoBlock, true},
+	    {"pairs that never meet the end", [](Fields& f) { f.bytesOfKeyValueData = 9; }, FileBytes().zeroes(64).bytes, eWhole},
 	};
 	for (const Case& one : cases)
 	{
 		Fields fields;
 		one.lie(fields);
-		const CZORTexture texture = loadBytes(header(fields).text(one.tail).bytes, ".ktx");
-		touchAll(texture);
-		EXPECT_TRUE(texture.getDataSize() <= 0xFFFFFFFF) << one.name;
+		const std::string bytes = header(fields).text(one.tail).bytes;
+		const auto expectOutcome = [&](const CZORTexture& texture)
+		{
+			EXPECT_EQ(texture.getDataPtr(0, 0, 0) != nullptr, one.outcome != eNoBlock) << one.name;
+			EXPECT_EQ(texture.isDataComplete(), one.outcome == eWhole) << one.name;
+		};
+		expectOutcome(loadBytes(bytes, ".ktx"));
+		std::istringstream stream(bytes);
+		try
+		{
+			const CZORTexture texture = CZORTexture::fromKTX(stream);
+			EXPECT_FALSE(one.throws) << one.name;
+			expectOutcome(texture);
+		}
+		catch (const std::ios_base::failure&)
+		{
+			EXPECT_TRUE(one.throws) << one.name;
+		}
 	}
 
 	const std::string padded = written({PixelType('r', 'g', 'b', 0, 8, 8, 8, 0).id, 3, 5, 1, 2, 1, 6});

@@ -144,11 +144,19 @@ TEST(LegacyFile, SurvivesCutAndLyingFiles)
 	{
 		touchAll(loadBytes(whole.substr(0, length), ".zor"));
 	}
-	const unsigned int lies[][4] = {
-	    {0x10001, 0x10001, 0, 1}, {1, 1, 0xFFFFFFFF, 1}, {1, 1, 256, 1}, {0x10000, 0x10000, 0, 0xFFFFFFFF}, {1, 1, 0, 0x40000001}};
+	// The last column: whether there is a block, too small for what the header says, perhaps of no bytes.
+	const unsigned int lies[][5] = {{0x10001, 0x10001, 0, 1, 1},
+	                                {1, 1, 0xFFFFFFFF, 1, 0},
+	                                {1, 1, 256, 1, 0},
+	                                {0x10000, 0x10000, 0, 0xFFFFFFFF, 1},
+	                                {1, 1, 0, 0x40000001, 1}};
 	for (const auto& lie : lies)
 	{
-		touchAll(loadBytes(header(52, lie[0], lie[1], lie[2], kRgba8Number, lie[3]).count(1, 64).bytes, ".zor"));
+		const std::string bytes = header(52, lie[0], lie[1], lie[2], kRgba8Number, lie[3]).count(1, 64).bytes;
+		const CZORTexture textures[] = {loadBytes(bytes, ".zor"), CZORTexture(static_cast<const void*>(bytes.data()))};
+		EXPECT_FALSE(textures[0].isDataComplete()) << lie[0] << " " << lie[2];
+		EXPECT_EQ(textures[0].getDataPtr(0, 0, 0) != nullptr, lie[4] != 0) << lie[0] << " " << lie[2];
+		EXPECT_FALSE(textures[1].isDataComplete()) << lie[0] << " " << lie[2];
 	}
 }
 } // namespace

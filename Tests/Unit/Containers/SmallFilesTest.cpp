@@ -105,6 +105,74 @@ TEST(CHeaderFile, HoldsTheBytesOfANativeFile)
 	EXPECT_EQ(loaded.getOrientation(eAxis_Y), eOrient_Up);
 }
 
+/// What a header file holds between two of its comments.
+std::string sectionOf(const CZORTexture& texture, const std::string& from, const std::string& to)
+{
+	const TemporaryPath path(".h");
+	EXPECT_TRUE(texture.saveFile(path.str()));
+	const std::string text = path.read();
+	const std::size_t begin = text.find(from);
+	return begin == std::string::npos ? "none" : text.substr(begin + from.size(), text.find(to, begin) - begin - from.size());
+}
+
+MetaDataBlock block(unsigned int fourCC, unsigned int key, unsigned int dataSize)
+{
+	MetaDataBlock made;
+	made.fourCC = fourCC;
+	made.key = key;
+	made.dataSize = dataSize;
+	made.data = new unsigned char[dataSize];
+	for (unsigned int i = 0; i < dataSize; ++i)
+	{
+		made.data[i] = static_cast<unsigned char>(0xA0 + i);
+	}
+	return made;
+}
+
+TEST(CHeaderFile, WritesEveryMetaDataBlockInItsGroup)
+{
+	const std::string kBytes = "0xa0,0xa1,";
+	const std::string kTwo = "0x02,0x00,0x00,0x00,\n";
+	const CZORTextureHeader shape(PixelType('l', 0, 0, 0, 8, 0, 0, 0).id, 1, 1);
+	CZORTextureHeader tagged = shape;
+	tagged.addMetaData(block(kZORTextureMagic, 7, 2));
+	tagged.addMetaData(block(0x64636261, 9, 1));
+	tagged.addMetaData(block(kZORTextureMagic, 8, 2)); // joins its group, ahead of the foreign one
+	EXPECT_EQ(sectionOf(countingTexture(tagged), "/* Meta Data */\n", "\n/* Data"),
+	          "0x5a,0x4f,0x52,0x03,\n0x07,0x00,0x00,0x00,\n" + kTwo + kBytes + "\n0x5a,0x4f,0x52,0x03,\n0x08,0x00,0x00,0x00,\n" + kTwo +
+	              kBytes + "\n0x61,0x62,0x63,0x64,\n0x09,0x00,0x00,0x00,\n0x01,0x00,0x00,0x00,\n0xa0,\n");
+	EXPECT_EQ(sectionOf(countingTexture(shape), "/* Meta Data */", "\n/* Data"), "none");
+
+	CZORTextureHeader crowded = shape;
+	std::string expected;
+	for (unsigned int group = 0; group < 33; ++group)
+	{
+		crowded.addMetaData(block(0x10 + group, 2, 2));
+		std::ostringstream fourCC;
+		fourCC << "0x" << std::hex << 0x10 + group << ",0x00,0x00,0x00,\n";
+		expected += fourCC.str() + kTwo + kTwo + (group == 31 ? "0xa0,\n0xa1,\n" : kBytes) + "\n";
+	}
+	EXPECT_EQ(sectionOf(countingTexture(crowded), "/* Meta Data */\n", "\n/* Data"), expected) << "only the 32nd group breaks each byte";
+}
+
+TEST(CHeaderFile, NamesItsArrayAfterTheFileAndMayHaveNoData)
+{
+	EXPECT_EQ(sectionOf(CZORTexture(), "/* Data */\n", "nothing"), "};\n");
+
+	const TemporaryPath folder("");
+	std::filesystem::create_directory(folder.str());
+	const std::pair<const char*, const char*> names[] = {{"/a.b.h", "a"}, {"/.h", ""}, {"/2-d.h", "2-d"}};
+	for (const auto& [file, name] : names)
+	{
+		const std::string path = folder.str() + file;
+		EXPECT_TRUE(CZORTexture().saveFile(path));
+		std::ifstream stream(path);
+		const std::string text{std::istreambuf_iterator<char>(stream), {}};
+		EXPECT_NE(text.find("\nA8BIT " + std::string(name) + "[] = {\n"), std::string::npos) << file;
+		std::filesystem::remove(path);
+	}
+}
+
 TEST(StringUtils, SplitsAtEveryDelimiter)
 {
 	using Pieces = std::vector<std::string>;
