@@ -132,7 +132,8 @@ bool CZORTexture::privateSaveASTCFile(std::FILE* stream) const
 	}
 	const ASTCHeader file = makeHeader(*this);
 	const unsigned int size = getDataSize(0, false, false);
-	return std::fwrite(&file, sizeof(file), 1, stream) == 1 && size <= m_blockSize && std::fwrite(m_textureData, 1, size, stream) == size;
+	return std::fwrite(&file, sizeof(file), 1, stream) == 1 && size <= m_blockSize &&
+	       (size == 0 || std::fwrite(m_textureData, 1, size, stream) == size);
 }
 
 void CZORTexture::toASTC(std::ostream& stream) const

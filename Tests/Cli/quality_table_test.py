@@ -1,0 +1,63 @@
+"""The PSNR of every codec at every quality on the shipped pictures, against a stored table.
+
+usage: quality_table_test.py           compares, and fails where a figure falls by more than the tolerance
+       quality_table_test.py --write   prints the table anew, for Tests/Data/quality.tsv
+"""
+
+import csv
+import json
+import os
+import subprocess
+import sys
+import tempfile
+
+TOLERANCE = 0.02  # dB, downward; results are exact, so that this is for a deliberate change of little weight
+
+PICTURES = ("astronaut_256", "grass_256", "height_brick_256", "graphics_512x256", "alpha_smooth_256", "alpha_cutout_256")
+CODECS = (
+    ("tessel1-2bpp-rgba", ("0", "1"), ()),
+    ("tessel1-4bpp-rgba", ("0", "1"), ()),
+    ("etc1", ("0", "1"), ()),
+    ("etc2-rgb", ("0", "1"), ()),
+    ("etc2-rgba", ("0", "1"), ()),
+    ("etc2-rgb-a1", ("0",), ()),
+    # Their search tries everything, so the pictures are small.
+    ("eac-r11", ("0",), ("--resize", "64x64")),
+    ("eac-rg11", ("0",), ("--resize", "64x64")),
+)
+
+
+def measure():
+    """Rows of picture, format, quality and dB."""
+    with tempfile.TemporaryDirectory() as folder:
+        for picture in PICTURES:
+            path = os.path.join(os.environ["ZORT_TEST_DATA"], picture + ".png")
+            for name, qualities, options in CODECS:
+                for quality in qualities:
+                    command = [os.environ["ZORTEX"], "convert", path, os.path.join(folder, "a.zor"), "--format", name]
+                    command += ["--quality", quality, "--json", *options]
+                    report = json.loads(subprocess.run(command, check=True, capture_output=True).stdout)
+                    yield picture, name, quality, report["psnr"]["db"]
+
+
+def main():
+    if sys.argv[1:] == ["--write"]:
+        print("picture\tformat\tquality\tdB")
+        for picture, name, quality, figure in measure():
+            print(f"{picture}\t{name}\t{quality}\t{figure:.2f}")
+        return 0
+    with open(os.path.join(os.environ["ZORT_TEST_DATA"], "quality.tsv"), encoding="utf-8") as file:
+        stored = {(row["picture"], row["format"], row["quality"]): float(row["dB"]) for row in csv.DictReader(file, delimiter="\t")}
+    fallen = []
+    for picture, name, quality, figure in measure():
+        expected = stored.pop((picture, name, quality), None)
+        print(f"{picture} {name} {quality}: {figure:.2f} dB")
+        if expected is None or figure < expected - TOLERANCE:
+            fallen.append(f"{picture} {name} quality {quality}: {figure:.2f} dB, in the table {expected}")
+    fallen += [f"not measured: {' '.join(row)}" for row in stored]
+    print("\n".join(fallen), file=sys.stderr)
+    return 1 if fallen else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
