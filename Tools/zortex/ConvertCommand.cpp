@@ -11,6 +11,7 @@
 #include "OtherContainers.h"
 #include "PngFile.h"
 #include "Refusal.h"
+#include "StandardForm.h"
 #include "StandardOutputGuard.h"
 #include "Text.h"
 #include "TextureDescription.h"
@@ -43,16 +44,6 @@ private:
 	bool m_isShown;
 };
 
-unsigned int pickIndex(const std::optional<unsigned int>& index, unsigned int count, const std::string& noun, const std::string& file)
-{
-	if (index.value_or(0) >= count)
-	{
-		throw Refusal(file, "has no " + noun + " " + std::to_string(index.value_or(0)) + ": there " + (count == 1 ? "is " : "are ") +
-		                        counted(count, noun) + ", counted from 0");
-	}
-	return index.value_or(0);
-}
-
 /// Cuts the texture down to one image, with its metadata.
 void pickImage(CZORTexture& texture, const ConvertOptions& options, OperationContext& context)
 {
@@ -69,39 +60,7 @@ void pickImage(CZORTexture& texture, const ConvertOptions& options, OperationCon
 	{
 		context.notes.push_back("one of " + std::to_string(texture.getDepth(level)) + " depth slices is written: choose it by --slice");
 	}
-	if (images == 1 && texture.getNumMIPLevels() == 1)
-	{
-		return;
-	}
-	CZORTextureHeader header(texture);
-	header.setWidth(texture.getWidth(level));
-	header.setHeight(texture.getHeight(level));
-	header.setDepth(texture.getDepth(level));
-	header.setNumMIPLevels(1);
-	header.setNumArrayMembers(1);
-	header.setNumFaces(1);
-	texture = CZORTexture(header, texture.getDataPtr(level, surface, face));
-}
-
-/// Why a texture's pixels cannot be converted at all; empty when they can.
-std::string sourceProblem(const CZORTextureHeader& header)
-{
-	const PixelType format = header.getPixelType();
-	const std::string name = formatName(format, header.getChannelType());
-	if (!canDecode(format))
-	{
-		return "holds " + name + ", which cannot be decoded so far";
-	}
-	if (format.isCompressed())
-	{
-		unsigned int unit[3] = {};
-		ZORTGetFormatMinDims(format.id, unit[0], unit[1], unit[2]);
-		return header.getDepth() > 1 && unit[2] == 1 ? "holds a volume in " + name + ", which cannot be decoded" : "";
-	}
-	const std::string problem = layoutProblem(format, header.getChannelType());
-	return problem.empty()
-	           ? ""
-	           : "holds " + name + " as " + channelTypeName(header.getChannelType()) + ", which cannot be converted: " + problem;
+	cutToImage(texture, level, surface, face);
 }
 
 /// What a reader of the result should know of the target's ways.
@@ -198,7 +157,16 @@ void convert(const ConvertOptions& options, const Container& container, ConvertR
 	OperationContext context = {options.input, {}};
 	const PixelType ownFormat = texture.getPixelType();
 	const EZORTVariableType ownType = texture.getChannelType();
-	Target target = request.resolve(texture);
+	// Without a format of its own, the output's follows from the input's and what the operations make of it.
+	CZORTextureHeader natural = texture.getHeader();
+	for (const Operation& operation : options.operations)
+	{
+		if (operation.adapt)
+		{
+			operation.adapt(natural);
+		}
+	}
+	Target target = request.resolve(natural);
 	if (!options.operations.empty())
 	{
 		if (const std::string problem = sourceProblem(texture); !problem.empty())

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "FormatCapabilities.h"
+#include "PngFile.h"
 
 namespace zortex
 {
@@ -145,5 +146,17 @@ void workingLayout(PixelType format, EZORTVariableType type, PixelType& layout, 
 	{
 		IntermediateTranscodeFormat(format, type, layout, layoutType);
 	}
+}
+
+void widenLayout(CZORTextureHeader& header, const std::string& channels)
+{
+	const PixelType format = header.getPixelType();
+	if (!isPngLayout(format, header.getChannelType()))
+	{
+		return;
+	}
+	const bool isGrey = format.channelName[0] == 'l' && channels.find_first_of("rgb") == std::string::npos;
+	const bool hasAlpha = imageChannels(format).find('a') != std::string::npos || channels.find('a') != std::string::npos;
+	header.setPixelFormat(makeLayout(isGrey ? (hasAlpha ? "la" : "l") : (hasAlpha ? "rgba" : "rgb"), format.channelBits[0]));
 }
 } // namespace zortex

@@ -34,6 +34,10 @@ std::string imageChannels(zortexture::PixelType format);
 
 /// The layout and channel type in which the pixels of a format are worked with: its own, or the one that its codec uses.
 void workingLayout(zortexture::PixelType format, EZORTVariableType type, zortexture::PixelType& layout, EZORTVariableType& layoutType);
+
+/// Adds what a layout of PNG files lacks to hold certain channels ("rgba"): colour where it is grey, alpha where it has
+/// none. Other layouts stay.
+void widenLayout(zortexture::CZORTextureHeader& header, const std::string& channels);
 } // namespace zortex
 
 #endif // ZORTEX_LAYOUTS_H

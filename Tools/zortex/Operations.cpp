@@ -1,48 +1,38 @@
 #include "Operations.h"
 
-#include "Layouts.h"
+#include <algorithm>
+
 #include "Refusal.h"
+#include "StandardForm.h"
 
 namespace zortex
 {
 using namespace zortexture;
 
-namespace
-{
 void addNote(OperationContext& context, const std::string& note)
 {
-	for (const std::string& known : context.notes)
+	if (std::find(context.notes.begin(), context.notes.end(), note) == context.notes.end())
 	{
-		if (known == note)
-		{
-			return;
-		}
+		context.notes.push_back(note);
 	}
-	context.notes.push_back(note);
 }
 
-/// Brings a texture into the standard layout that keeps its precision: 8 or 16 bits, or floats.
 void makeStandard(CZORTexture& texture, const OperationContext& context)
 {
-	if (isStandardPixelType(texture.getPixelType(), texture.getChannelType()) && texture.getChannelType() != eVT_UnsignedIntegerNorm)
+	const EZORTVariableType type = standardType(texture.getPixelType(), texture.getChannelType());
+	makeStandard(texture, type, texture.getColourSpace(), context.file);
+}
+
+void noteDroppedLevels(const CZORTexture& texture, unsigned int levelsBefore, const std::string& option, OperationContext& context)
+{
+	if (texture.getNumMIPLevels() < levelsBefore)
 	{
-		return;
-	}
-	PixelType layout;
-	EZORTVariableType type = eVT_UnsignedByteNorm;
-	workingLayout(texture.getPixelType(), texture.getChannelType(), layout, type);
-	const unsigned int bits = widestChannel(layout);
-	const bool isWhole = !isSigned(type) && !isFloatType(type);
-	const bool isCopied = isWhole && bits <= 8 ? Transcode(texture, ZORStandard8PixelType, eVT_UnsignedByteNorm, texture.getColourSpace())
-	                      : isWhole && bits <= 16
-	                          ? Transcode(texture, ZORStandard16PixelType, eVT_UnsignedShortNorm, texture.getColourSpace())
-	                          : Transcode(texture, ZORStandard32PixelType, eVT_SignedFloat, texture.getColourSpace());
-	if (!isCopied)
-	{
-		throw Refusal(context.file, "its pixels cannot be decoded");
+		addNote(context, option + " keeps the top level only: the MIP levels below it are gone");
 	}
 }
 
+namespace
+{
 /// Brings a texture into the 8-bit standard layout.
 void makeStandard8(CZORTexture& texture, OperationContext& context, const std::string& option)
 {
@@ -52,10 +42,7 @@ void makeStandard8(CZORTexture& texture, OperationContext& context, const std::s
 		return;
 	}
 	addNote(context, option + " works on 8 bits a channel: the texture lost the rest");
-	if (!Transcode(texture, ZORStandard8PixelType, eVT_UnsignedByteNorm, texture.getColourSpace()))
-	{
-		throw Refusal(context.file, "its pixels cannot be decoded");
-	}
+	makeStandard(texture, eVT_UnsignedByteNorm, texture.getColourSpace(), context.file);
 }
 } // namespace
 
@@ -78,10 +65,7 @@ Operation resizeOperation(const ImageSize& size, EResizeMode mode)
 		        {
 			        throw Refusal(context.file, "cannot be resized to " + text);
 		        }
-		        if (texture.getNumMIPLevels() < levels)
-		        {
-			        addNote(context, "--resize keeps the top level only: the MIP levels below it are gone");
-		        }
+		        noteDroppedLevels(texture, levels, "--resize", context);
 	        }};
 }
 

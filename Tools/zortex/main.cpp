@@ -1,12 +1,12 @@
 #include <CLI/CLI.hpp>
-#include <charconv>
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <new>
 
 #include "Commands.h"
+#include "OperationOptions.h"
 #include "Refusal.h"
-#include "Text.h"
 
 namespace
 {
@@ -14,8 +14,6 @@ using namespace zortex;
 
 constexpr int kExitRefused = 1;
 constexpr int kExitUsage = 2;
-
-constexpr unsigned int kMaxSide = 65536;
 
 constexpr const char* kMainFooter = R"(A first conversion, a look at its result, and back to a picture:
   zortex convert photo.png photo.zor --format tessel1-4bpp-rgb
@@ -29,46 +27,18 @@ constexpr const char* kConvertFooter =
     R"(IN is a PNG picture or a texture file (.zor, .ktx, .dds, .astc); OUT's extension says what is made: one of these, .png a
 picture, .h a C header with the bytes of a .zor file.
 Without --format a texture keeps its format, and a PNG file gets the closest of its own kinds. Pixels of PNG files are
-taken as sRGB unless the file says that they are linear. --resize, --premultiply and --bleed run in the order in which
-they are given, before the conversion.
+taken as sRGB unless the file says that they are linear. Operations run in the order in which they are
+given, before the conversion.
 
 Examples:
   zortex convert photo.png photo.zor --format tessel1-4bpp-rgb --quality best
   zortex convert photo.png small.zor --resize 256x256 --format rgb565 --dither
   zortex convert logo.png logo.zor --bleed --premultiply --format tessel1-4bpp-rgba
   zortex convert light.png light.zor --space linear --format rgba16f
-  zortex convert photo.png photo.ktx --format etc2-rgb
+  zortex convert photo.png photo.ktx --mips --mip-filter cubic --format etc2-rgb
+  zortex convert height.png normal.zor --normal-map 4:xyz --mips
+  zortex convert photo.png cutout.zor --copy-channel a=l:mask.png --bleed --format etc2-rgba
   zortex convert cube.zor face.png --face 3 --mip 1)";
-
-/// Reads WxH or WxHxD, each of 1 to kMaxSide.
-ImageSize parseSize(const std::string& text)
-{
-	unsigned int sides[3] = {};
-	unsigned int count = 0;
-	const char* position = text.data();
-	const char* const end = position + text.size();
-	while (count < 3)
-	{
-		const auto [next, error] = std::from_chars(position, end, sides[count]);
-		if (error != std::errc() || sides[count] == 0 || sides[count] > kMaxSide)
-		{
-			break;
-		}
-		++count;
-		position = next;
-		if (position == end || (*position != 'x' && *position != 'X'))
-		{
-			break;
-		}
-		++position;
-	}
-	const bool hasTrailing = position != end || (!text.empty() && (text.back() == 'x' || text.back() == 'X'));
-	if (count < 2 || hasTrailing)
-	{
-		throw UsageError("--resize: '" + text + "' is no size such as 256x128 or 64x64x8, with sides of 1 to " + std::to_string(kMaxSide));
-	}
-	return {sides[0], sides[1], sides[2]};
-}
 
 /// The command line of 'convert'. Operations are collected in the order in which they stand there.
 class ConvertCommandLine
@@ -103,20 +73,7 @@ public:
 		    ->group(format);
 		m_app.add_flag("--dither", target.dither, "Spread the rounding error of formats with few bits")->group(format);
 
-		const std::string operations = "Operations, in the order given";
-		m_resize = m_app.add_option("--resize", m_sizes, "Scale to a size in pixels")
-		               ->type_name("WxH[xD]")
-		               ->expected(1)
-		               ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-		               ->group(operations);
-		m_app.add_option("--filter", m_filter, "Filter of --resize: nearest, linear or cubic")
-		    ->type_name("NAME")
-		    ->capture_default_str()
-		    ->group(operations);
-		const std::string premultiplyHelp = "Multiply colour by alpha (8 bits a channel)";
-		m_premultiply = m_app.add_flag("--premultiply", premultiplyHelp)->group(operations);
-		const std::string bleedHelp = "Fill transparent areas with the colour around them (8 bits a channel)";
-		m_bleed = m_app.add_flag("--bleed", bleedHelp)->group(operations);
+		m_operations.emplace(m_app);
 
 		const std::string image = "One image of a texture";
 		m_app.add_option("--mip", m_options.level, "MIP level, 0 is the largest")->type_name("N")->group(image);
@@ -142,41 +99,15 @@ public:
 	/// What was asked for. Throws a UsageError.
 	const ConvertOptions& options()
 	{
-		const std::string filter = lowerCase(m_filter);
-		if (filter != "nearest" && filter != "linear" && filter != "cubic")
-		{
-			throw UsageError("--filter: '" + m_filter + "' is none of nearest, linear and cubic");
-		}
-		const zortexture::EResizeMode mode = filter == "nearest"  ? zortexture::eResizeNearest
-		                                     : filter == "linear" ? zortexture::eResizeLinear
-		                                                          : zortexture::eResizeCubic;
-		std::size_t nextSize = 0;
-		for (const CLI::Option* option : m_app.parse_order())
-		{
-			if (option == m_resize)
-			{
-				m_options.operations.push_back(resizeOperation(parseSize(m_sizes.at(nextSize++)), mode));
-			}
-			else if (option == m_premultiply)
-			{
-				m_options.operations.push_back(premultiplyOperation());
-			}
-			else if (option == m_bleed)
-			{
-				m_options.operations.push_back(bleedOperation());
-			}
-		}
+		m_options.operations = m_operations->operations();
 		return m_options;
 	}
 
 private:
 	CLI::App& m_app;
 	ConvertOptions m_options;
-	std::vector<std::string> m_sizes;
-	std::string m_filter = "cubic";
-	const CLI::Option* m_resize = nullptr;
-	const CLI::Option* m_premultiply = nullptr;
-	const CLI::Option* m_bleed = nullptr;
+	/// Made in the middle of the other options, for the order of the help text.
+	std::optional<OperationOptions> m_operations;
 };
 
 /// Runs a command and turns what it throws into an exit code and a line on standard error.
@@ -231,7 +162,11 @@ int runProgram(int argc, char** argv)
 
 	try
 	{
-		program.parse(argc, argv);
+		std::vector<std::string> arguments(argv + 1, argv + argc);
+		OperationOptions::completeArguments(arguments);
+		// The parser takes them from the last one on.
+		std::reverse(arguments.begin(), arguments.end());
+		program.parse(arguments);
 	}
 	catch (const CLI::ParseError& error)
 	{
