@@ -326,7 +326,7 @@ void CZORTextureHeader::setBumpMap(float bumpScale, const std::string& bumpOrder
 {
 	unsigned char* const data = renewOwnMetaData(kMetaKeyBumpMap, sizeof(bumpScale) + kBumpMapOrderLength);
 	std::memcpy(data, &bumpScale, sizeof(bumpScale));
-	std::memcpy(data + sizeof(bumpScale), bumpOrder.data(), std::min<std::size_t>(bumpOrder.size(), kBumpMapOrderLength));
+	std::copy_n(bumpOrder.data(), std::min<std::size_t>(bumpOrder.size(), kBumpMapOrderLength), data + sizeof(bumpScale));
 }
 
 void CZORTextureHeader::setTextureAtlas(const float* atlasData, unsigned int numAtlasMembers)
