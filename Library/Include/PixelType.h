@@ -28,22 +28,42 @@ ZORT_API EChannelName MapCharToEnum(unsigned char letter);
 /// The letter of a channel; 0 for eCh_None and for values that name no channel.
 ZORT_API unsigned char MapEnumToChar(EChannelName channel);
 
-/// The upper four bytes of a pixel type, as an array.
+/// The upper four bytes of a pixel type, as an array of four.
 class PixelTypeBits
 {
 public:
-	unsigned char& operator[](unsigned int position)
+	operator unsigned char*()
 	{
-		return bytes[4 + position];
+		return m_bytes + 4;
 	}
 
-	const unsigned char& operator[](unsigned int position) const
+	operator const unsigned char*() const
 	{
-		return bytes[4 + position];
+		return m_bytes + 4;
+	}
+
+	unsigned char* begin()
+	{
+		return m_bytes + 4;
+	}
+
+	unsigned char* end()
+	{
+		return m_bytes + 8;
+	}
+
+	const unsigned char* begin() const
+	{
+		return m_bytes + 4;
+	}
+
+	const unsigned char* end() const
+	{
+		return m_bytes + 8;
 	}
 
 private:
-	unsigned char bytes[8];
+	unsigned char m_bytes[8];
 };
 
 /// A pixel layout as an 8-byte value: up to four channel letters and their widths in bits, in channel order.

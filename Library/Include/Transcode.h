@@ -50,9 +50,10 @@ enum ECompressorQuality : int
 /// Converts a texture in place to any pixel format, channel type and colour space, through the codecs where source or
 /// target is compressed. Metadata, level counts, orientation and premultiplication are carried across.
 /// @param dither  spread the quantisation error, for targets below 32 bits per pixel.
-/// @return true when every stage delivered all bytes. False with the texture unchanged when the target is no format, the
-///         texture has no (or not all of its) data, or a form on the way is larger than a texture can be; false with the
-///         texture replaced when a codec failed (what it did not write is zero then).
+/// @return true when every stage delivered all bytes; a target without storage (BC6, BC7, a number above 51) gives an empty texture and
+///         true. False with the texture unchanged when the target is ePF_NumCompressedPFs, the texture has no (or not all of its) data, or
+///         a form on the way is larger than a texture can be; false with the texture replaced when a codec failed (what it did not write is
+///         zero then).
 ZORT_API bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
                         ECompressorQuality quality = eQuality_0, bool dither = false);
 

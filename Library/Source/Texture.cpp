@@ -151,8 +151,8 @@ void CZORTexture::addPaddingMetaData(unsigned int alignment)
 		return;
 	}
 	// The file's header and the head of the block to be added stand ahead of the filler.
-	const unsigned long long unpadded = sizeof(ZORTextureHeaderV3) + kBlockHeadSize + static_cast<unsigned long long>(getMetaDataSize());
-	const unsigned int excess = static_cast<unsigned int>(unpadded % alignment);
+	const unsigned int unpadded = static_cast<unsigned int>(sizeof(ZORTextureHeaderV3)) + kBlockHeadSize + getMetaDataSize();
+	const unsigned int excess = unpadded % alignment;
 	MetaDataBlock block;
 	block.fourCC = kZORTextureMagic;
 	block.key = kMetaKeyPadding;

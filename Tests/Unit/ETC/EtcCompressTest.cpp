@@ -200,12 +200,12 @@ TEST(EtcExpandWidth, RepeatsTheLastPixelOfEveryRow)
 	unsigned char* const kept = image;
 	testing::internal::CaptureStdout();
 	EXPECT_FALSE(expandToWidthDivByFour(image, 8, 2, width, height, 8));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "Image already of even width\n");
+	EXPECT_EQ(testing::internal::GetCapturedStdout(), "Image already of even width");
 	EXPECT_EQ(image, kept);
 	EXPECT_EQ(width, 8);
 	testing::internal::CaptureStdout();
 	EXPECT_FALSE(expandToWidthDivByFour(image, 2147483647, 2147483647, width, height, 2147483647));
-	EXPECT_EQ(testing::internal::GetCapturedStdout(), "Could not allocate memory to expand width\n");
+	EXPECT_EQ(testing::internal::GetCapturedStdout(), "Could not allocate memory to expand width");
 	EXPECT_EQ(image, kept);
 	delete[] image;
 }
