@@ -33,9 +33,35 @@ struct ConvertOptions
 	bool isJson = false;
 };
 
+struct DiffOptions
+{
+	std::string first;
+	std::string second;
+	/// The image that is compared; the first of each unless told.
+	std::optional<unsigned int> level;
+	std::optional<unsigned int> surface;
+	std::optional<unsigned int> face;
+	/// Where a picture of the difference goes; empty for none.
+	std::string image;
+	/// colour, tolerance or blend.
+	std::string mode = "colour";
+	float multiplier = 1.0f;
+	/// Of values from 0 to 1.
+	float tolerance = 0.02f;
+	/// The share of the first image in a blend.
+	float ratio = 0.5f;
+	/// The largest difference that is no failure.
+	std::optional<double> failAbove;
+	bool isJson = false;
+};
+
 void runConvert(const ConvertOptions& options);
 void runInfo(const std::string& path, bool isJson);
 void runFormats(bool isJson);
+/// Refuses, after it has printed the measures, when they are above the limit.
+void runDiff(const DiffOptions& options);
+/// Draws all images of a texture into one PNG file.
+void runView(const std::string& input, const std::string& output);
 } // namespace zortex
 
 #endif // ZORTEX_COMMANDS_H

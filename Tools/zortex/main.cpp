@@ -110,6 +110,39 @@ private:
 	std::optional<OperationOptions> m_operations;
 };
 
+constexpr const char* kDiffFooter =
+    R"(A and B are textures of any format, or PNG pictures, of one size. Both are decoded to the wider of their two precisions.
+
+Examples:
+  zortex diff photo.png photo.zor
+  zortex diff a.zor b.zor --mip 2 --face 3 --json
+  zortex diff photo.png photo.ktx --image difference.png --mode tolerance --tolerance 0.05
+  zortex diff expected.png actual.png --fail-above 2 || echo different)";
+
+void addDiff(CLI::App& program, CLI::App*& diff, DiffOptions& options)
+{
+	diff = program.add_subcommand("diff", "Measure how far two textures are apart");
+	diff->footer(kDiffFooter);
+	diff->add_option("A", options.first, "First texture or PNG picture")->required();
+	diff->add_option("B", options.second, "Second texture or PNG picture")->required();
+	diff->add_option("--mip", options.level, "MIP level, 0 is the largest")->type_name("N");
+	diff->add_option("--surface", options.surface, "Array member")->type_name("N");
+	diff->add_option("--face", options.face, "Face of a cube map")->type_name("N");
+	diff->add_option("--fail-above", options.failAbove, "Exit with code 1 when the largest difference, as printed, is above this")
+	    ->type_name("X");
+	diff->add_flag("--json", options.isJson, "Print the measures as JSON");
+	const std::string picture = "A picture of the difference";
+	diff->add_option("--image", options.image, "The file: .png, or .zor with every bit")->type_name("OUT")->group(picture);
+	diff->add_option("--mode", options.mode,
+	                 "colour: grey plus the difference; tolerance: black, blue within it, red beyond; blend: both in one")
+	    ->type_name("MODE")
+	    ->capture_default_str()
+	    ->group(picture);
+	diff->add_option("--multiplier", options.multiplier, "Multiplies differences in mode colour")->capture_default_str()->group(picture);
+	diff->add_option("--tolerance", options.tolerance, "Of values from 0 to 1, in mode tolerance")->capture_default_str()->group(picture);
+	diff->add_option("--ratio", options.ratio, "Share of A in mode blend, 0 to 1")->capture_default_str()->group(picture);
+}
+
 /// Runs a command and turns what it throws into an exit code and a line on standard error.
 template<typename Command>
 int run(const std::string& file, Command command)
@@ -143,6 +176,7 @@ int run(const std::string& file, Command command)
 	}
 	return kExitRefused;
 }
+
 /// Reads the command line and runs the command that it names.
 int runProgram(int argc, char** argv)
 {
@@ -152,13 +186,20 @@ int runProgram(int argc, char** argv)
 	program.require_subcommand(1);
 
 	ConvertCommandLine convertLine(program);
-	std::string infoFile;
+	std::string infoFile; ///< of 'view', too
 	bool isJson = false;
 	CLI::App* info = program.add_subcommand("info", "Print everything that a texture's header says");
 	info->add_option("FILE", infoFile, "Texture file or PNG picture")->required();
 	info->add_flag("--json", isJson, "Print it as JSON");
 	CLI::App* formats = program.add_subcommand("formats", "List the formats, and what can be done with each");
 	formats->add_flag("--json", isJson, "Print the list as JSON");
+	CLI::App* diff = nullptr;
+	DiffOptions diffOptions;
+	addDiff(program, diff, diffOptions);
+	std::string viewOutput;
+	CLI::App* view = program.add_subcommand("view", "Draw all levels, faces, surfaces and slices of a texture into one PNG file");
+	view->add_option("FILE", infoFile, "Texture file or PNG picture")->required();
+	view->add_option("OUT", viewOutput, "PNG file; transparent areas show a checkerboard")->required();
 
 	try
 	{
@@ -185,6 +226,14 @@ int runProgram(int argc, char** argv)
 	if (info->parsed())
 	{
 		return run(infoFile, [&infoFile, isJson]() { runInfo(infoFile, isJson); });
+	}
+	if (diff->parsed())
+	{
+		return run(diffOptions.first, [&diffOptions]() { runDiff(diffOptions); });
+	}
+	if (view->parsed())
+	{
+		return run(infoFile, [&infoFile, &viewOutput]() { runView(infoFile, viewOutput); });
 	}
 	return run("formats", [isJson]() { runFormats(isJson); });
 }
