@@ -59,8 +59,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FormatNames, NonsenseNamesNothing)
 {
-	for (const char* name : {"", "rgb", "8", "rgbaa88888", "rgb8.8", "rgb8.8.8.8", "rgb8..8", "rgb888.", "rgb0", "rgb-8", "q8",
-	                         "rgb8 ", "rgbf", "f", "etc3", "tessel1"})
+	for (const char* name : {"", "rgb", "8", "rgbaa88888", "rgb8.8", "rgb8.8.8.8", "rgb8..8", "rgb888.", "rgb0", "rgb-8", "q8", "rgb8 ",
+	                         "rgbf", "f", "etc3", "tessel1"})
 	{
 		EXPECT_FALSE(parseFormat(name).has_value()) << name;
 	}
