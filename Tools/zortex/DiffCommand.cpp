@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <iostream>
 #include <iterator>
 
@@ -111,11 +110,12 @@ void sumSquares(const CZORTexture& a, const CZORTexture& b, double (&sums)[4])
 	const std::size_t elements = static_cast<std::size_t>(a.getWidth()) * a.getHeight() * a.getDepth() * 4;
 	for (std::size_t i = 0; i < elements; ++i)
 	{
-		// Equal infinities and equal NaNs do not differ.
-		if (std::memcmp(first + i, second + i, sizeof(T)) != 0)
+		const auto x = static_cast<double>(first[i]);
+		const auto y = static_cast<double>(second[i]);
+		// Two equal infinities do not differ, nor do two values that are both no numbers.
+		if (x != y && !(std::isnan(x) && std::isnan(y)))
 		{
-			const double difference = static_cast<double>(first[i]) - static_cast<double>(second[i]);
-			sums[i % 4] += difference * difference;
+			sums[i % 4] += (x - y) * (x - y);
 		}
 	}
 }
