@@ -1,0 +1,21 @@
+/// @file analygrapprop.h
+/// Dividing a window into flat regions.
+#pragma once
+
+#include "kiln.h"
+
+/// The flat regions of a window.
+struct KilnRegions
+{
+	int count = 0;
+	/// The region of each pixel.
+	std::array<std::uint8_t, kKilnMaxWindow> map;
+	/// The pixel indices, region by region.
+	std::array<std::uint8_t, kKilnMaxWindow> order;
+};
+
+/// @return the number of regions.
+int AnalyseGraphicsProperties(const KilnColour* window, const KilnSettings& settings, KilnRegions& regions);
+
+/// The squared distance of two colours over all four channels.
+int SQColDist(const KilnColour& a, const KilnColour& b);

@@ -1,0 +1,68 @@
+/// @file evaluate.h
+/// What a block's window costs under a pair of colours, and the data from which the pair is fitted.
+#pragma once
+
+#include "analygrapprop.h"
+#include "blending.h"
+#include "kiln.h"
+
+/// Errors by the class of the pixel.
+struct KilnErrors
+{
+	/// Everything that was asked for.
+	std::uint64_t total = 0;
+	/// The block's own area.
+	std::uint64_t own = 0;
+	/// The rest of the window without its rim.
+	std::uint64_t outer = 0;
+	/// The rim, 0 unless asked for.
+	std::uint64_t rim = 0;
+};
+
+/// How a window pixel is encoded.
+struct KilnPixelResult
+{
+	/// The index 0 to 3 of the candidate (a place among the palette choices for a palette pixel).
+	std::uint8_t index = 0;
+	/// The weight of B in eighths.
+	std::uint8_t weight = 0;
+	/// The store class of the blend record.
+	std::uint8_t storeClass = 0;
+};
+
+/// The data of a fit, one entry a window pixel, padded with zeros to a multiple of 4.
+struct KilnFittingParams
+{
+	static constexpr int kCapacity = 156;
+	/// The share of the block in the pixel, 0 to 64; 0 for a palette pixel that shows a colour of another block.
+	alignas(32) std::array<float, kCapacity> blockWeight;
+	/// The weight of B in eighths.
+	alignas(32) std::array<float, kCapacity> modulation;
+	/// Pixel less decoded colour, by channel.
+	alignas(32) std::array<std::array<float, kCapacity>, 4> residual;
+	/// 1, and 0 for a pixel that is decoded as punch-through.
+	alignas(32) std::array<float, kCapacity> fitWeight;
+	/// The choices of the last evaluation.
+	std::array<KilnPixelResult, kKilnMaxWindow> results;
+};
+
+/// Everything to 0.
+void InitialisePackedFittingParams(KilnFittingParams& params);
+
+/// Evaluates the window of a 4bpp block: every pixel takes its best candidate.
+/// @param withRim  count the rim of the window too.
+/// @param regions  when not null, the pixels of a flat region take one index together (see analygrapprop.h).
+/// @param limit    the evaluation may stop once the total reaches it; the data of a fit is then not to be used.
+void EvalAllCandsAndGetErrors4BPP(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours,
+                                  bool withRim, const KilnRegions* regions, std::uint64_t limit, KilnFittingParams& params,
+                                  KilnErrors& errors);
+
+/// Evaluates the window of a 2bpp block: stored and direct pixels first, then those left out, whose residuals move the targets of the
+/// stored ones for a second choice.
+void EvalAllCandsAndGetErrors2BPP(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours,
+                                  KilnFittingParams& params, KilnErrors& errors);
+
+/// The weight of a pixel that is left out, from its neighbours' weights in the window of 17 by 9.
+/// @param storeClass  2 four neighbours, 3 left and right, 4 above and below.
+/// @param weights     17 by 9 weights of 0 to 8. One above 8 ends the process with a message.
+int ComputeInterpolatedModVal(int storeClass, int row, int column, const std::uint8_t* weights);
