@@ -26,8 +26,6 @@ struct KilnPixelResult
 	std::uint8_t index = 0;
 	/// The weight of B in eighths.
 	std::uint8_t weight = 0;
-	/// The store class of the blend record.
-	std::uint8_t storeClass = 0;
 };
 
 /// The data of a fit, one entry a window pixel, padded with zeros to a multiple of 4.
@@ -38,8 +36,8 @@ struct KilnFittingParams
 	alignas(32) std::array<float, kCapacity> blockWeight;
 	/// The weight of B in eighths.
 	alignas(32) std::array<float, kCapacity> modulation;
-	/// Pixel less decoded colour, by channel.
-	alignas(32) std::array<std::array<float, kCapacity>, 4> residual;
+	/// Pixel less decoded colour.
+	alignas(32) std::array<KilnColourF, kCapacity> residual;
 	/// 1, and 0 for a pixel that is decoded as punch-through.
 	alignas(32) std::array<float, kCapacity> fitWeight;
 	/// The choices of the last evaluation.
@@ -49,18 +47,34 @@ struct KilnFittingParams
 /// Everything to 0.
 void InitialisePackedFittingParams(KilnFittingParams& params);
 
-/// Evaluates the window of a 4bpp block: every pixel takes its best candidate.
+/// A window as one mode of its block sees it, with all that stays as it is while the block's own pair moves. Prepared once, then
+/// evaluated under any number of pairs. Records and window must outlive it.
+struct KilnWindowModel
+{
+	const KilnBlendRecords* records = nullptr;
+	const KilnColour* window = nullptr;
+	/// Of each pixel, the channels of A and then of B of the other eight blocks, times their shares.
+	alignas(16) std::array<std::array<std::uint16_t, 8>, kKilnMaxWindow> around;
+	/// Of a palette pixel, the colours to choose from; those of the block itself are filled in by an evaluation.
+	std::array<std::array<KilnColour, 4>, kKilnWindow4Bpp> palette;
+	/// How much a difference in alpha counts: 30 where the pixel's alpha is 0 or 255, else 1.
+	std::array<std::uint8_t, kKilnMaxWindow> alphaFactor;
+};
+
+/// @param colours  of the nine blocks; that of the block itself is not used.
+void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours,
+                        KilnWindowModel& model);
+
+/// Evaluates the window of a 4bpp block under a pair of its own: every pixel takes its best candidate.
 /// @param withRim  count the rim of the window too.
 /// @param regions  when not null, the pixels of a flat region take one index together (see analygrapprop.h).
 /// @param limit    the evaluation may stop once the total reaches it; the data of a fit is then not to be used.
-void EvalAllCandsAndGetErrors4BPP(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours,
-                                  bool withRim, const KilnRegions* regions, std::uint64_t limit, KilnFittingParams& params,
-                                  KilnErrors& errors);
+void EvalAllCandsAndGetErrors4BPP(const KilnWindowModel& model, const KilnPair& pair, bool withRim, const KilnRegions* regions,
+                                  std::uint64_t limit, KilnFittingParams& params, KilnErrors& errors);
 
-/// Evaluates the window of a 2bpp block: stored and direct pixels first, then those left out, whose residuals move the targets of the
-/// stored ones for a second choice.
-void EvalAllCandsAndGetErrors2BPP(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours,
-                                  KilnFittingParams& params, KilnErrors& errors);
+/// Evaluates the window of a 2bpp block under a pair of its own: stored and direct pixels first, then those left out, whose residuals
+/// move the targets of the stored ones for a second choice. The rim is not counted.
+void EvalAllCandsAndGetErrors2BPP(const KilnWindowModel& model, const KilnPair& pair, KilnFittingParams& params, KilnErrors& errors);
 
 /// The weight of a pixel that is left out, from its neighbours' weights in the window of 17 by 9.
 /// @param storeClass  2 four neighbours, 3 left and right, 4 above and below.
