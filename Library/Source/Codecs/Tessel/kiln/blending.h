@@ -4,18 +4,51 @@
 
 #include "kiln.h"
 
+/// Blend weights along one axis of a window, in eighths of the block to the right or below: 8 or 4 pixels between the centres.
+extern const std::array<std::uint8_t, 17> LinWeights8xU8;
+extern const std::array<std::uint8_t, 9> LinWeights4xU8;
+/// The same where blocks do not blend.
+extern const std::array<std::uint8_t, 17> HemWeights8xU8;
+extern const std::array<std::uint8_t, 9> HemWeights4xU8;
+
+/// Pixel classes: the rim of the window, the block's own area, the rest.
+enum KilnPixelClass : std::uint8_t
+{
+	kKilnRim = 0,
+	kKilnOwn = 1,
+	kKilnOuter = 2
+};
+
+/// How a 2bpp pixel is stored: by an index of two bits, by one bit, or left out between its neighbours.
+enum KilnStoreClass : std::uint8_t
+{
+	kKilnStored = 0,
+	kKilnDirectPixel = 1,
+	kKilnLeftOut = 2,
+	kKilnLeftOutHorizontal = 3,
+	kKilnLeftOutVertical = 4
+};
+
+/// The bits of a channel that take part in blending: 5 of R, G and B, 4 of alpha.
+constexpr std::array<std::uint8_t, 4> kKilnWorkingMask = {0xf8, 0xf8, 0xf8, 0xf0};
+
+/// All the shares of a pixel.
+constexpr std::uint8_t kKilnFullWeight = 64;
+/// The candidate that is transparent in punch-through blocks.
+constexpr int kKilnPunchThroughIndex = 2;
+
 struct KilnBlendRecord
 {
-	/// 0 the rim of the window, 1 the block's own area, 2 the rest.
-	std::uint8_t pixelClass = 0;
+	/// A KilnPixelClass.
+	std::uint8_t pixelClass = kKilnRim;
 	/// Decoded through the local palette.
 	bool localPalette = false;
 	/// Decoded without interpolation (the group's P is hard).
 	bool hard = false;
 	/// The group of four blocks among the nine: 0 to 3, left to right and down.
 	std::uint8_t quadrant = 0;
-	/// 2bpp: 0 stored, 1 direct, 2 left out with four neighbours, 3 with left and right, 4 with above and below.
-	std::uint8_t storeClass = 0;
+	/// 2bpp: a KilnStoreClass.
+	std::uint8_t storeClass = kKilnStored;
 	/// 2bpp: the stored index has one bit, so that only the two ends can be chosen. Direct pixels too.
 	bool endsOnly = false;
 	/// Shares of P, Q, R, S, which sum to 64.
@@ -46,13 +79,23 @@ struct KilnBlendRecords
 void CreateBlendingAndUpdateWeights(const KilnNeighbourModes& modes, int hardVariant, const KilnSettings& settings,
                                     KilnBlendRecords& records);
 
+/// The colour that a choice shows at a palette pixel.
+KilnColour kilnPaletteColour(const KilnBlendRecord& record, int choice, const KilnNeighbourColours& colours);
+
 /// The four colours that a pixel can take, exactly as the decoder gives them.
 /// @return 1 if they are palette choices, else 0.
 int SynthesisePixelColourChoices(const KilnBlendRecords& records, int pixel, const KilnNeighbourColours& colours,
                                  std::array<KilnColour, 4>& candidates);
 
-/// Picks the best index for a pixel.
-/// @param target    the colour to approach (the pixel, or a target moved by its neighbours).
-/// @return the squared error: channel differences, alpha with factor 30 where the pixel's alpha is 0 or 255.
+/// How much a difference in alpha counts: 30 where the pixel is fully transparent or opaque, else 1.
+int kilnAlphaFactor(const KilnColour& pixel);
+
+/// The choice from the errors of the four candidates: the better of the middle two, unless an end is better still.
+/// @param endsOnly  the pixel can only be 0 or 3.
+int kilnChooseCandidate(const std::array<std::uint64_t, 4>& errors, bool endsOnly);
+
+/// Picks the best index for a pixel. The evaluation of a window does the same for all its pixels at once (evaluate.h); this is the
+/// plain form.
+/// @return the squared error: channel differences, alpha with its factor. A transparent pixel costs nothing when punched through.
 std::uint32_t SynthCandsAndBestFitPixel(const KilnBlendRecords& records, int pixel, const KilnNeighbourColours& colours,
                                         const KilnColour& target, int& index, KilnColour& decoded);

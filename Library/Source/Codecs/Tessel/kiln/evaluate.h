@@ -47,30 +47,47 @@ struct KilnFittingParams
 /// Everything to 0.
 void InitialisePackedFittingParams(KilnFittingParams& params);
 
+/// A pixel of a window model. The lanes are the channels of A and then of B.
+struct alignas(64) KilnPixelModel
+{
+	/// What the other eight blocks give, times their shares.
+	std::array<std::uint16_t, 8> around;
+	/// The pixel, twice.
+	std::array<std::uint16_t, 8> target;
+	/// How much a difference counts, twice: 1, and kilnAlphaFactor for alpha.
+	std::array<std::uint16_t, 8> scale;
+	std::uint16_t blockWeight;
+	std::uint8_t pixelClass;
+	bool punchThrough;
+	/// Punch-through over a transparent pixel, which costs nothing.
+	bool freePunchThrough;
+	bool localPalette;
+	bool endsOnly;
+	std::uint8_t storeClass;
+};
+
 /// A window as one mode of its block sees it, with all that stays as it is while the block's own pair moves. Prepared once, then
-/// evaluated under any number of pairs. Records and window must outlive it.
+/// evaluated under any number of pairs. The records must outlive it.
 struct KilnWindowModel
 {
 	const KilnBlendRecords* records = nullptr;
-	const KilnColour* window = nullptr;
-	/// Of each pixel, the channels of A and then of B of the other eight blocks, times their shares.
-	alignas(16) std::array<std::array<std::uint16_t, 8>, kKilnMaxWindow> around;
+	std::array<KilnPixelModel, kKilnMaxWindow> pixels;
 	/// Of a palette pixel, the colours to choose from; those of the block itself are filled in by an evaluation.
 	std::array<std::array<KilnColour, 4>, kKilnWindow4Bpp> palette;
-	/// How much a difference in alpha counts: 30 where the pixel's alpha is 0 or 255, else 1.
-	std::array<std::uint8_t, kKilnMaxWindow> alphaFactor;
+	/// The error of the rim, which no pair of the block can move; 0 if it is not to be counted.
+	std::uint64_t rimError = 0;
 };
 
 /// @param colours  of the nine blocks; that of the block itself is not used.
-void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours,
+/// @param withRim  count the rim of the window too; at 4bpp only.
+void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours, bool withRim,
                         KilnWindowModel& model);
 
 /// Evaluates the window of a 4bpp block under a pair of its own: every pixel takes its best candidate.
-/// @param withRim  count the rim of the window too.
 /// @param regions  when not null, the pixels of a flat region take one index together (see analygrapprop.h).
 /// @param limit    the evaluation may stop once the total reaches it; the data of a fit is then not to be used.
-void EvalAllCandsAndGetErrors4BPP(const KilnWindowModel& model, const KilnPair& pair, bool withRim, const KilnRegions* regions,
-                                  std::uint64_t limit, KilnFittingParams& params, KilnErrors& errors);
+void EvalAllCandsAndGetErrors4BPP(const KilnWindowModel& model, const KilnPair& pair, const KilnRegions* regions, std::uint64_t limit,
+                                  KilnFittingParams& params, KilnErrors& errors);
 
 /// Evaluates the window of a 2bpp block under a pair of its own: stored and direct pixels first, then those left out, whose residuals
 /// move the targets of the stored ones for a second choice. The rim is not counted.

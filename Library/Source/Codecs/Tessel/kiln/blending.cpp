@@ -1,0 +1,145 @@
+#include "blending.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "palettetables.h"
+
+const std::array<std::uint8_t, 17> LinWeights8xU8 = {0, 1, 2, 3, 4, 5, 6, 7, 0, 1, 2, 3, 4, 5, 6, 7, 8};
+const std::array<std::uint8_t, 9> LinWeights4xU8 = {0, 2, 4, 6, 0, 2, 4, 6, 8};
+const std::array<std::uint8_t, 17> HemWeights8xU8 = {0, 0, 0, 0, 8, 8, 8, 8, 0, 0, 0, 0, 8, 8, 8, 8, 8};
+const std::array<std::uint8_t, 9> HemWeights4xU8 = {0, 0, 8, 8, 0, 0, 8, 8, 8};
+
+namespace
+{
+constexpr std::array<std::uint8_t, 4> kStandardWeights = {0, 3, 5, 8};
+constexpr std::array<std::uint8_t, 4> kPunchThroughWeights = {0, 4, 4, 8};
+
+/// The class of a pixel by its place in the window.
+std::uint8_t pixelClassAt(int x, int y, const KilnSettings& settings)
+{
+	if (x == 0 || y == 0 || x == settings.windowWidth - 1 || y == settings.windowHeight - 1)
+	{
+		return kKilnRim;
+	}
+	const int left = settings.blockWidth / 2;
+	const int top = settings.blockHeight / 2;
+	const bool own = x >= left && x < left + settings.blockWidth && y >= top && y < top + settings.blockHeight;
+	return own ? kKilnOwn : kKilnOuter;
+}
+
+/// Store class and number of ends of a 2bpp pixel, at (x, y) of the window, of a block of the given mode.
+void setStoreClass(KilnBlendRecord& record, int mode, int x, int y)
+{
+	const int interpolation = mode & 3;
+	if (interpolation == 0)
+	{
+		record.storeClass = kKilnDirectPixel;
+		record.endsOnly = true;
+		return;
+	}
+	if (((x ^ y) & 1) != 0)
+	{
+		record.storeClass = static_cast<std::uint8_t>(kKilnLeftOut + interpolation - 1);
+		return;
+	}
+	record.storeClass = kKilnStored;
+	// The first pixel of a block always lends a bit of its index to the interpolation, the pixel on the centre if that has a direction.
+	const bool first = (x & 7) == 4 && (y & 3) == 2;
+	const bool onCentre = (x & 7) == 0 && (y & 3) == 0;
+	record.endsOnly = first || (onCentre && interpolation != 1);
+}
+
+void setPalette(KilnBlendRecord& record, int pixel)
+{
+	record.localPalette = true;
+	record.paletteSlots = PaletteModeSelection[pixel];
+	record.paletteWeights = {128, 128, 128, 128};
+	for (int colour = 0; colour < 2; ++colour)
+	{
+		const unsigned place = PaletteModeCentralOptions[pixel][colour];
+		if (place != kKilnNoSlot)
+		{
+			record.paletteWeights[place] = kKilnFullWeight;
+			record.paletteMixes[place] = colour == 0 ? 0 : 8;
+		}
+	}
+}
+} // namespace
+
+void CreateBlendingAndUpdateWeights(const KilnNeighbourModes& modes, int hardVariant, const KilnSettings& settings,
+                                    KilnBlendRecords& records)
+{
+	if (settings.bpp != 2 && settings.bpp != 4)
+	{
+		std::fputs("Exiting! 1bpp not yet implemented (CreateBlendingAndUpdateWeights)\n", stderr);
+		std::abort();
+	}
+	const bool is2Bpp = settings.bpp == 2;
+	records.bpp = settings.bpp;
+	records.tessel2 = settings.tessel2;
+
+	std::array<bool, 9> hardBlocks;
+	for (int i = 0; i < 9; ++i)
+	{
+		hardBlocks[i] = (modes[i] & kilnHardBit(settings.bpp)) != 0;
+	}
+	// The blocks that are P of a group in which the block itself stands.
+	constexpr std::array<int, 3> kFlipped = {0, 1, 3};
+	for (int bit = 0; bit < 3; ++bit)
+	{
+		hardBlocks[kFlipped[bit]] ^= ((hardVariant >> bit) & 1) != 0;
+	}
+
+	const std::uint8_t* linear = is2Bpp ? LinWeights8xU8.data() : LinWeights4xU8.data();
+	const std::uint8_t* hem = is2Bpp ? HemWeights8xU8.data() : HemWeights4xU8.data();
+	int pixel = 0;
+	for (int y = 0; y < settings.windowHeight; ++y)
+	{
+		// The last row and column lie on the centres of blocks: their P is that block, while their weights give it all as R or Q.
+		const int rowOfP = y / settings.blockHeight;
+		const int rowOfBlock = (y + settings.blockHeight / 2) / settings.blockHeight;
+		for (int x = 0; x < settings.windowWidth; ++x, ++pixel)
+		{
+			const int columnOfP = x / settings.blockWidth;
+			const int columnOfBlock = (x + settings.blockWidth / 2) / settings.blockWidth;
+			const int mode = modes[3 * rowOfBlock + columnOfBlock];
+			const int quadrant = 2 * std::min(rowOfP, 1) + std::min(columnOfP, 1);
+
+			KilnBlendRecord& record = records.pixels[pixel];
+			record = {};
+			record.pixelClass = pixelClassAt(x, y, settings);
+			record.hard = hardBlocks[3 * rowOfP + columnOfP];
+			record.quadrant = static_cast<std::uint8_t>(quadrant);
+
+			const std::uint8_t* alongX = record.hard ? hem : linear;
+			const std::uint8_t* alongY = record.hard ? HemWeights4xU8.data() : LinWeights4xU8.data();
+			const unsigned a = alongX[x];
+			const unsigned b = alongY[y];
+			record.colourWeights = {static_cast<std::uint8_t>((8 - a) * (8 - b)), static_cast<std::uint8_t>(a * (8 - b)),
+			                        static_cast<std::uint8_t>((8 - a) * b), static_cast<std::uint8_t>(a * b)};
+			record.blockWeight = record.colourWeights[3 - quadrant];
+
+			record.candidateWeights = kStandardWeights;
+			if (is2Bpp)
+			{
+				setStoreClass(record, mode, x, y);
+				continue;
+			}
+			if ((mode & 1) == 0)
+			{
+				continue;
+			}
+			if (!record.hard)
+			{
+				record.punchThrough = true;
+				record.candidateWeights = kPunchThroughWeights;
+			}
+			else if ((x & 3) != 0 || (y & 3) != 0)
+			{
+				setPalette(record, pixel);
+			}
+		}
+	}
+}

@@ -1,0 +1,184 @@
+/// @file lanes.h
+/// Eight 16-bit and four 32-bit integers side by side: what the block model needs of a vector unit, with a plain twin.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__) && !defined(ZORT_PLAIN_LANES)
+#define ZORT_KILN_SSE2 1
+#include <emmintrin.h>
+#else
+#define ZORT_KILN_SSE2 0
+#endif
+
+using KilnShorts = std::array<std::uint16_t, 8>;
+
+#if ZORT_KILN_SSE2
+
+struct Lanes32
+{
+	__m128i v;
+};
+
+struct Lanes16
+{
+	__m128i v;
+};
+
+inline Lanes16 loadLanes(const KilnShorts& values)
+{
+	return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(values.data()))};
+}
+inline void storeLanes(std::uint16_t* out, Lanes16 a)
+{
+	_mm_storeu_si128(reinterpret_cast<__m128i*>(out), a.v);
+}
+inline void storeLanes(std::uint32_t* out, Lanes32 a)
+{
+	_mm_storeu_si128(reinterpret_cast<__m128i*>(out), a.v);
+}
+inline Lanes16 broadcastLanes(std::uint16_t value)
+{
+	return {_mm_set1_epi16(static_cast<short>(value))};
+}
+inline Lanes16 operator+(Lanes16 a, Lanes16 b)
+{
+	return {_mm_add_epi16(a.v, b.v)};
+}
+inline Lanes16 operator-(Lanes16 a, Lanes16 b)
+{
+	return {_mm_sub_epi16(a.v, b.v)};
+}
+inline Lanes16 operator&(Lanes16 a, Lanes16 b)
+{
+	return {_mm_and_si128(a.v, b.v)};
+}
+/// The low halves of the products.
+inline Lanes16 operator*(Lanes16 a, Lanes16 b)
+{
+	return {_mm_mullo_epi16(a.v, b.v)};
+}
+/// The high halves of the products of unsigned numbers.
+inline Lanes16 multiplyHigh(Lanes16 a, Lanes16 b)
+{
+	return {_mm_mulhi_epu16(a.v, b.v)};
+}
+template<int Bits>
+Lanes16 shiftRight(Lanes16 a)
+{
+	return {_mm_srli_epi16(a.v, Bits)};
+}
+/// The lower, or the upper, four lanes twice.
+inline Lanes16 repeatLower(Lanes16 a)
+{
+	return {_mm_unpacklo_epi64(a.v, a.v)};
+}
+inline Lanes16 repeatUpper(Lanes16 a)
+{
+	return {_mm_unpackhi_epi64(a.v, a.v)};
+}
+/// The sums of the squares (of signed numbers) of lanes 0 to 3 and 4 to 7 of a, then of b.
+inline Lanes32 sumsOfSquares(Lanes16 a, Lanes16 b)
+{
+	const __m128 squaresA = _mm_castsi128_ps(_mm_madd_epi16(a.v, a.v));
+	const __m128 squaresB = _mm_castsi128_ps(_mm_madd_epi16(b.v, b.v));
+	const __m128i even = _mm_castps_si128(_mm_shuffle_ps(squaresA, squaresB, _MM_SHUFFLE(2, 0, 2, 0)));
+	const __m128i odd = _mm_castps_si128(_mm_shuffle_ps(squaresA, squaresB, _MM_SHUFFLE(3, 1, 3, 1)));
+	return {_mm_add_epi32(even, odd)};
+}
+
+#else
+
+struct Lanes32
+{
+	std::array<std::uint32_t, 4> v;
+};
+
+struct Lanes16
+{
+	KilnShorts v;
+};
+
+template<typename Function>
+Lanes16 eachLane(Function function)
+{
+	Lanes16 result;
+	for (unsigned i = 0; i < 8; ++i)
+	{
+		result.v[i] = static_cast<std::uint16_t>(function(i));
+	}
+	return result;
+}
+
+inline Lanes16 loadLanes(const KilnShorts& values)
+{
+	return {values};
+}
+inline void storeLanes(std::uint16_t* out, const Lanes16& a)
+{
+	std::memcpy(out, a.v.data(), sizeof(a.v));
+}
+inline void storeLanes(std::uint32_t* out, const Lanes32& a)
+{
+	std::memcpy(out, a.v.data(), sizeof(a.v));
+}
+inline Lanes16 broadcastLanes(std::uint16_t value)
+{
+	return eachLane([value](unsigned) { return value; });
+}
+inline Lanes16 operator+(const Lanes16& a, const Lanes16& b)
+{
+	return eachLane([&](unsigned i) { return a.v[i] + b.v[i]; });
+}
+inline Lanes16 operator-(const Lanes16& a, const Lanes16& b)
+{
+	return eachLane([&](unsigned i) { return a.v[i] - b.v[i]; });
+}
+inline Lanes16 operator&(const Lanes16& a, const Lanes16& b)
+{
+	return eachLane([&](unsigned i) { return a.v[i] & b.v[i]; });
+}
+/// The low halves of the products.
+inline Lanes16 operator*(const Lanes16& a, const Lanes16& b)
+{
+	return eachLane([&](unsigned i) { return std::uint32_t{a.v[i]} * b.v[i]; });
+}
+/// The high halves of the products of unsigned numbers.
+inline Lanes16 multiplyHigh(const Lanes16& a, const Lanes16& b)
+{
+	return eachLane([&](unsigned i) { return (std::uint32_t{a.v[i]} * b.v[i]) >> 16; });
+}
+template<int Bits>
+Lanes16 shiftRight(const Lanes16& a)
+{
+	return eachLane([&](unsigned i) { return a.v[i] >> Bits; });
+}
+/// The lower, or the upper, four lanes twice.
+inline Lanes16 repeatLower(const Lanes16& a)
+{
+	return eachLane([&](unsigned i) { return a.v[i & 3]; });
+}
+inline Lanes16 repeatUpper(const Lanes16& a)
+{
+	return eachLane([&](unsigned i) { return a.v[4 + (i & 3)]; });
+}
+/// The sums of the squares (of signed numbers) of lanes 0 to 3 and 4 to 7 of a, then of b.
+inline Lanes32 sumsOfSquares(const Lanes16& a, const Lanes16& b)
+{
+	Lanes32 result = {};
+	for (unsigned i = 0; i < 8; ++i)
+	{
+		const auto square = [i](const Lanes16& lanes)
+		{
+			const auto value = static_cast<std::int16_t>(lanes.v[i]);
+			return static_cast<std::uint32_t>(value * value);
+		};
+		result.v[i / 4] += square(a);
+		result.v[2 + i / 4] += square(b);
+	}
+	return result;
+}
+
+#endif
