@@ -335,9 +335,9 @@ void CZORTexture::writeKTXLevel(std::ostream& stream, unsigned int level, bool i
 	const unsigned int imageSize = isCubeMap ? faceSize : mipTotal;
 
 	stream.write(reinterpret_cast<const char*>(&imageSize), sizeof(imageSize));
-	if (faceSize == 0)
+	if (faceSize == 0 || getNumFaces() == 0)
 	{
-		return; // images without bytes, however many there are
+		return; // images without bytes or members without images, however many there are
 	}
 	for (unsigned int member = 0; member < getNumArrayMembers(); ++member)
 	{

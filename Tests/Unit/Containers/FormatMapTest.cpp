@@ -353,6 +353,7 @@ TEST(FormatMaps, NamesOfConstants)
 	EXPECT_STREQ(getFormatConstantName(eApi_Direct3D, 21), "D3DFMT_A8R8G8B8");
 	EXPECT_STREQ(getFormatConstantName(eApi_DXGI, 28), "DXGI_FORMAT_R8G8B8A8_UNORM");
 	EXPECT_EQ(getFormatConstantName(eApi_DXGI, 12345), nullptr);
+	EXPECT_STREQ(getFormatConstantName(eApi_Vulkan, 0), "VK_FORMAT_UNDEFINED");
 	EXPECT_EQ(getFormatConstantName(static_cast<EGraphicsApi>(4), 28), nullptr);
 }
 
