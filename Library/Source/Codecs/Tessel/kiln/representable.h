@@ -8,6 +8,9 @@
 /// two levels moves the colours apart.
 KilnPair MapToRepresentableColours(bool tessel2, const KilnColourF& a, const KilnColourF& b);
 KilnPair MapToRepresentableColoursInt(bool tessel2, const KilnColour& a, const KilnColour& b);
+/// The nearest colour that may stand in a block on its own: opaque above alpha 249, with 5 bits a channel, else with 4 bits and an
+/// even alpha level or 255. A tie takes the lower level of a channel.
+KilnColour SnapToRepresentable(const KilnColour& colour);
 KilnColourF ConvertIntPixelToFloat(const KilnColour& colour);
 /// a + (b - a) * weight.
 KilnColourF MixPixelF(const KilnColourF& a, const KilnColourF& b, float weight);
