@@ -53,7 +53,7 @@ enum ECompressorQuality : int
 /// @return true when every stage delivered all bytes; a target without storage (BC6, BC7, a number above 51) gives an empty texture and
 ///         true. False with the texture unchanged when the target is ePF_NumCompressedPFs, the texture has no (or not all of its) data, or
 ///         a form on the way is larger than a texture can be; false with the texture replaced when a codec failed (what it did not write is
-///         zero then).
+///         zero then; all of a target of the DXT family, whose encoder is called by itself: see DXTCompress).
 ZORT_API bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
                         ECompressorQuality quality = eQuality_0, bool dither = false);
 

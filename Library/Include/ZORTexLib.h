@@ -5,6 +5,7 @@
 
 #include "Channels.h"
 #include "Comparison.h"
+#include "DXTCodec.h"
 #include "ETCCodec.h"
 #include "FormatMaps.h"
 #include "Geometry.h"

@@ -5,6 +5,7 @@
 
 #include "FormatNames.h"
 #include "Layouts.h"
+#include "TranscodeTexture.h"
 
 using namespace zortexture;
 using namespace zortex;
@@ -29,7 +30,7 @@ CZORTexture makePicture(unsigned int width, unsigned int height)
 bool encode(CZORTexture& texture, const CompressedFormat& format, int quality)
 {
 	const PixelType target(format.id);
-	return Transcode(texture, target, defaultChannelType(target), eCS_lRGB, static_cast<ECompressorQuality>(quality), false);
+	return transcodeTexture(texture, target, defaultChannelType(target), eCS_lRGB, quality);
 }
 
 /// Whether any byte of a texture is not zero: codecs that do not exist leave everything zero.

@@ -146,6 +146,12 @@ int main()
 	use(&tesselCompressMW);
 	use(&tesselCompress2bppMW);
 	use(&tesselCompress4bppMW);
+	use(&DXTCompress);
+	use(&DXTDecompress);
+	use(&storeAlpha);
+	use(&storeInterpolatedAlpha);
+	use(&countColours);
+	use(&canHavePunchThrough);
 	use(&ETCDecompress);
 	use(&ETCCompress);
 	use(&ZORTDecompressETC);

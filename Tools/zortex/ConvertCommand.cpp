@@ -16,6 +16,7 @@
 #include "Text.h"
 #include "TextureDescription.h"
 #include "TextureFile.h"
+#include "TranscodeTexture.h"
 
 namespace zortex
 {
@@ -77,6 +78,10 @@ void addTargetNotes(const CZORTextureHeader& source, const Target& target, const
 	{
 		context.notes.push_back("the colours stay premultiplied by alpha, which a PNG file cannot tell");
 	}
+	if ((target.pixelType.id == ePF_DXT2 || target.pixelType.id == ePF_DXT4) && !source.isPreMultiplied())
+	{
+		context.notes.push_back("dxt2 and dxt4 mean colours premultiplied by alpha, which these are not: see --premultiply");
+	}
 	if (options.target.dither && !target.dither)
 	{
 		context.notes.push_back("--dither changes nothing: no channel of the format has fewer than 8 bits");
@@ -103,8 +108,7 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
 	bool isConverted = false;
 	{
 		const StandardOutputGuard guard; // some codecs print debug lines there
-		isConverted =
-		    Transcode(texture, target.pixelType, target.type, target.space, static_cast<ECompressorQuality>(target.quality), target.dither);
+		isConverted = transcodeTexture(texture, target.pixelType, target.type, target.space, target.quality, target.dither);
 	}
 	report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 	if (!isConverted)

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "Layouts.h"
+#include "TranscodeTexture.h"
 
 namespace zortex
 {
@@ -43,7 +44,7 @@ bool extractImage(const CZORTexture& texture, unsigned int member, unsigned int 
 	const CZORTextureHeader header(texture.getPixelType().id, texture.getHeight(), texture.getWidth(), texture.getDepth(), 1, 1, 1,
 	                               texture.getColourSpace(), texture.getChannelType());
 	image = CZORTexture(header, texture.getDataPtr(0, member, face));
-	return Transcode(image, layout, type, space) && image.isDataComplete();
+	return transcodeTexture(image, layout, type, space) && image.isDataComplete();
 }
 
 template<typename T>

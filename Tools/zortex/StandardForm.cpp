@@ -5,6 +5,7 @@
 #include "Layouts.h"
 #include "Refusal.h"
 #include "Text.h"
+#include "TranscodeTexture.h"
 
 namespace zortex
 {
@@ -51,7 +52,7 @@ void makeStandard(CZORTexture& texture, EZORTVariableType type, EZORTColourSpace
 	{
 		return;
 	}
-	if (!Transcode(texture, layout, type, space))
+	if (!transcodeTexture(texture, layout, type, space))
 	{
 		throw Refusal(file, "its pixels cannot be decoded");
 	}

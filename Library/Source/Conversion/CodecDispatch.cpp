@@ -1,5 +1,6 @@
 #include "CodecDispatch.h"
 
+#include "DXTCodec.h"
 #include "ETCCodec.h"
 #include "SimpleCodecs.h"
 #include "TesselCodec.h"
@@ -39,6 +40,8 @@ unsigned int decodeImage(const SCodecImage& image)
 		return ETCDecompress(image.source, image.destination, image.width, image.height, image.format, false);
 	case eCodecEAC:
 		return ETCDecompress(image.source, image.destination, image.width, image.height, image.format, image.isSigned);
+	case eCodecDXT:
+		return DXTDecompress(image.source, image.destination, image.width, image.height, image.format - ePF_DXT1 + 1U);
 	case eCodecYUV:
 		return YUVDecompress(image.source, image.destination, image.width, image.height, image.format);
 	case eCodecRGBG:
