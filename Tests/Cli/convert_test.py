@@ -55,6 +55,31 @@ class Formats(ProgramTest):
         self.succeed("convert", "c.zor", "d.png", "--space", "srgb")
         self.assertEqual(read_png(self.read("d.png"))[4][2], 188)
 
+    def test_dxt_levels_of_all_sizes(self):
+        # Red at the left and blue at the right of every level down to 2x2; all surfaces and faces of one texture.
+        halves = ((255, 0, 0, 255), (0, 0, 255, 102))
+        columns = [halves[x * 2 // width] for width in (8, 4, 2) for _ in range(12 * width) for x in range(width)]
+        whole = make_native(RGBA8888, 8, 8, [value for pixel in columns for value in pixel], levels=3, surfaces=2, faces=6)
+        self.write("a.zor", whole)
+        for name in ("dxt1", "dxt2", "dxt3", "dxt4", "dxt5"):
+            with self.subTest(name):
+                said = self.succeed("convert", "a.zor", "b.zor", "--format", name)
+                self.assertEqual("premultiplied" in said, name in ("dxt2", "dxt4"))
+                self.assertEqual(len(read_native(self.read("b.zor"))[1]), 12 * (4 + 1 + 1) * (8 if name == "dxt1" else 16))
+                self.succeed("convert", "b.zor", "c.zor", "--format", "rgba8888")
+                header, pixels = read_native(self.read("c.zor"))
+                expected = [0, 0, 0, 0] if name == "dxt1" else [0, 0, 255, 102]
+                self.assertEqual((header["levels"], header["surfaces"], header["faces"]), (3, 2, 6))
+                self.assertEqual(list(pixels), [v for pixel in columns for v in (pixel if pixel[0] else expected)])
+
+    def test_dxt_is_dithered(self):
+        self.write("a.png", make_png(16, 16, GREY, 8, [103] * 256))
+        self.succeed("convert", "a.png", "plain.zor", "--format", "dxt1")
+        self.succeed("convert", "a.png", "dithered.zor", "--format", "dxt1", "--dither")
+        blocks = lambda name: {block for block, in struct.iter_unpack("<Q", read_native(self.read(name))[1])}
+        self.assertEqual(len(blocks("plain.zor")), 1)
+        self.assertGreater(len(blocks("dithered.zor")), 1)
+
     def test_dithering_spreads_the_error(self):
         self.write("a.png", make_png(16, 16, GREY, 8, [103] * 256))
         self.succeed("convert", "a.png", "plain.zor", "--format", "rgb565")

@@ -21,6 +21,9 @@ CODECS = (
     ("etc2-rgb", ("0", "1"), ()),
     ("etc2-rgba", ("0", "1"), ()),
     ("etc2-rgb-a1", ("0",), ()),
+    ("dxt1", ("0",), ()),
+    ("dxt3", ("0",), ()),
+    ("dxt5", ("0",), ()),
     # Their search tries everything, so the pictures are small.
     ("eac-r11", ("0",), ("--resize", "64x64")),
     ("eac-rg11", ("0",), ("--resize", "64x64")),
