@@ -9,6 +9,21 @@
 /// @param threadRecord  a KilnThreadRecord.
 void* RunAnOptimisePhaseThread(void* threadRecord);
 
+/// The i-th of `count` columns in the order of a phase: in exchanged pairs, 0, 2, 1, 4, 3 and so on, an even count with its last column
+/// last. Most blocks so are visited between neighbours that both were, or both were not.
+constexpr int exchangedColumn(int i, int count)
+{
+	if (i == 0)
+	{
+		return 0;
+	}
+	if (i % 2 == 0)
+	{
+		return i - 1;
+	}
+	return i + 1 < count ? i + 1 : i;
+}
+
 /// The least-squares step of the pair of a block.
 struct KilnFit
 {

@@ -1,0 +1,57 @@
+/// @file region.h
+/// The working space of a thread in a phase: what surrounds the block that it visits, and the trials of its pairs.
+#pragma once
+
+#include <cstdint>
+
+#include "blending.h"
+#include "candidates.h"
+#include "evaluate.h"
+#include "kiln.h"
+
+struct OptimiseRegion
+{
+	const KilnSettings* settings = nullptr;
+
+	// Of the visited block.
+	KilnBlock* block = nullptr;
+	int blockX = 0;
+	int blockY = 0;
+	std::array<KilnColour, kKilnMaxWindow> window;
+	KilnNeighbourColours colours;
+	KilnNeighbourModes modes;
+	/// Which of the nine blocks are the block itself: the middle one, and others where the image is one block wide or high.
+	std::array<bool, 9> isSelf = {};
+	/// All nine blocks are of a single colour each.
+	bool flatNeighbourhood = false;
+	/// In force when useRegions is set.
+	KilnRegions regions;
+	bool useRegions = false;
+	/// A trial that reaches this error is given up.
+	std::uint64_t limit = 0;
+
+	// Of the mode under trial.
+	int mode = 0;
+	int hardVariant = 0;
+	KilnBlendRecords records;
+	KilnWindowModel model;
+	KilnPairSet tried;
+	KilnTrialList trials;
+	KilnFittingParams params;
+};
+
+/// Sets the mode and the flips under which the next pairs are evaluated.
+void setTrialMode(OptimiseRegion& region, int mode, int hardVariant);
+
+/// What the window costs with a pair in the block.
+void evaluatePair(OptimiseRegion& region, const KilnPair& pair, KilnErrors& errors);
+
+/// Evaluates a seed, fits it again and again, and adds the best pair that came of it to the trials. A pair that was tried before under
+/// these settings ends the walk: what follows it is known.
+/// @return whether the best pair is good enough to leave it at that.
+bool walkSeed(OptimiseRegion& region, const KilnPair& seed);
+
+/// Walks all seeds of the mode under trial: pairs that meet a single colour, the pairs kept for this mode and the others, and variants of
+/// the best pair.
+/// @param modes      the modes of the block, modeCount of them.
+void walkSeeds(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& modes, int modeCount);

@@ -1,0 +1,152 @@
+#include <algorithm>
+#include <vector>
+
+#include "bestmatch.h"
+#include "paletteentries.h"
+#include "region.h"
+#include "representable.h"
+
+namespace
+{
+/// The weights of B in the two colours of a variant: narrower, wider, shifted and exchanged ends.
+struct WeightPair
+{
+	float a;
+	float b;
+};
+constexpr std::array<WeightPair, 13> kAlternativeWeightSet = {{{0.25F, 0.75F},
+                                                               {0.25F, 1.0F},
+                                                               {0.0F, 0.75F},
+                                                               {-0.25F, 1.25F},
+                                                               {-0.5F, 1.0F},
+                                                               {0.0F, 1.5F},
+                                                               {0.0F, 0.125F},
+                                                               {0.875F, 1.0F},
+                                                               {1.0F, 0.0F},
+                                                               {0.0F, 0.625F},
+                                                               {0.375F, 1.0F},
+                                                               {0.375F, 0.625F},
+                                                               {0.75F, 0.25F}}};
+
+/// The worst squared distance of a pixel from its palette entry that is taken as it is.
+constexpr int kPaletteErrorLimit = 36;
+
+bool walkSingleColour(OptimiseRegion& region)
+{
+	const int calls = region.flatNeighbourhood ? 2 : 1;
+	for (int i = 0; i < calls; ++i)
+	{
+		KilnPair pair;
+		GetSingleColourBestMatchReps(region.block->colour, region.mode == kKilnPunchThrough, region.settings->tessel2, i == 0, pair);
+		if (walkSeed(region, pair))
+		{
+			return true;
+		}
+	}
+	return false;
+}
+
+bool walkKept(OptimiseRegion& region, const KilnModeSlot& slot, int count)
+{
+	for (int i = 0; i < count; ++i)
+	{
+		if (walkSeed(region, slot.kept[i].pair))
+		{
+			return true;
+		}
+	}
+	return false;
+}
+
+/// Pairs made of the best pair so far by other weights.
+void walkWeightVariants(OptimiseRegion& region)
+{
+	const int count = std::min(region.settings->variants, static_cast<int>(kAlternativeWeightSet.size()));
+	for (int k = 0; k < count; ++k)
+	{
+		const KilnTrial* best = bestTrial(region.trials);
+		if (best == nullptr)
+		{
+			return;
+		}
+		const KilnColourF a = ConvertIntPixelToFloat(best->candidate.pair.a);
+		const KilnColourF b = ConvertIntPixelToFloat(best->candidate.pair.b);
+		KilnColourF variantA = MixPixelF(a, b, kAlternativeWeightSet[k].a);
+		KilnColourF variantB = MixPixelF(a, b, kAlternativeWeightSet[k].b);
+		if (region.settings->wideSearch)
+		{
+			const OrientedBBox& box = region.block->slot(region.mode).box;
+			variantA = ClampToOrientedBBox(box, variantA);
+			variantB = ClampToOrientedBBox(box, variantB);
+		}
+		if (walkSeed(region, MapToRepresentableColours(region.settings->tessel2, variantA, variantB)))
+		{
+			return;
+		}
+	}
+}
+
+/// The pairs of a few colours that stand for the window: every pair in one order, then in the other, beginning with the other order in
+/// every second block.
+void walkPaletteVariants(OptimiseRegion& region)
+{
+	const std::vector<KilnColour> entries = GeneratePaletteEntries(*region.block, region.window.data(), PalettePixels4bpp.data(),
+	                                                               kKilnWindow4Bpp, kKilnPaletteEntries, kPaletteErrorLimit);
+	const bool exchangedFirst = ((region.blockX + region.blockY) & 1) != 0;
+	int left = region.settings->variants;
+	for (const bool secondHalf : {false, true})
+	{
+		for (std::size_t high = 1; high < entries.size(); ++high)
+		{
+			for (std::size_t low = 0; low < high; ++low)
+			{
+				if (left-- <= 0)
+				{
+					return;
+				}
+				const bool exchanged = secondHalf != exchangedFirst;
+				const KilnPair pair = MapToRepresentableColoursInt(region.settings->tessel2, entries[exchanged ? high : low],
+				                                                   entries[exchanged ? low : high]);
+				if (walkSeed(region, pair))
+				{
+					return;
+				}
+			}
+		}
+	}
+}
+} // namespace
+
+void walkSeeds(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& modes, int modeCount)
+{
+	if (region.block->singleColour && walkSingleColour(region))
+	{
+		return;
+	}
+	// Of the other modes the best pair is enough.
+	const KilnModeSlot& own = region.block->slot(region.mode);
+	if (walkKept(region, own, own.count))
+	{
+		return;
+	}
+	for (int i = 0; i < modeCount; ++i)
+	{
+		const KilnModeSlot& other = region.block->slot(modes[i]);
+		if (modes[i] != region.mode && walkKept(region, other, std::min(other.count, 1)))
+		{
+			return;
+		}
+	}
+	if (region.settings->variants <= 0)
+	{
+		return;
+	}
+	if (region.mode == kKilnHardPalette)
+	{
+		walkPaletteVariants(region);
+	}
+	else
+	{
+		walkWeightVariants(region);
+	}
+}

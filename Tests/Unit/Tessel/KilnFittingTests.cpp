@@ -1,0 +1,251 @@
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "Codecs/Tessel/kiln/candidates.h"
+#include "Codecs/Tessel/kiln/optimise.h"
+
+namespace
+{
+/// A window of fitting data: block shares of a tent, zero on the rim, with weights and residuals to be filled in.
+std::unique_ptr<KilnFittingParams> tentWindow(const KilnSettings& settings)
+{
+	auto params = std::make_unique<KilnFittingParams>();
+	for (int y = 0; y < settings.windowHeight; ++y)
+	{
+		for (int x = 0; x < settings.windowWidth; ++x)
+		{
+			const int alongX = settings.blockWidth - std::abs(x - settings.blockWidth);
+			const int alongY = settings.blockHeight - std::abs(y - settings.blockHeight);
+			const int i = y * settings.windowWidth + x;
+			params->blockWeight[i] = static_cast<float>(alongX * alongY * 64 / (settings.blockWidth * settings.blockHeight));
+			params->fitWeight[i] = 1;
+		}
+	}
+	return params;
+}
+
+KilnSettings settingsFor(int bpp)
+{
+	KilnSettings settings;
+	settings.bpp = bpp;
+	settings.blockWidth = bpp == 4 ? 4 : 8;
+	settings.windowWidth = 2 * settings.blockWidth + 1;
+	return settings;
+}
+
+/// What a window's influences leave of its residuals after the step, summed along A's influence and along B's: 0 at the least squares.
+struct Remainder
+{
+	std::array<double, 4> alongA = {};
+	std::array<double, 4> alongB = {};
+};
+
+Remainder remainderOf(const KilnFittingParams& params, const KilnFit& fit)
+{
+	Remainder remainder;
+	for (int i = 0; i < kKilnMaxWindow; ++i)
+	{
+		const double u = (8 - params.modulation[i]) / 8.0 * params.blockWeight[i] / 64 * params.fitWeight[i];
+		const double v = params.modulation[i] / 8.0 * params.blockWeight[i] / 64 * params.fitWeight[i];
+		for (int c = 0; c < 4; ++c)
+		{
+			const double left = params.residual[i][c] - u * fit.deltaA[c] - v * fit.deltaB[c];
+			remainder.alongA[c] += u * left;
+			remainder.alongB[c] += v * left;
+		}
+	}
+	return remainder;
+}
+
+struct FitCase
+{
+	const char* name;
+	std::vector<int> weights;
+	int kind;
+};
+} // namespace
+
+TEST(KilnFitting, StepsToTheLeastSquares)
+{
+	const std::array<FitCase, 5> cases = {{{"both", {0, 3, 5, 8}, 0},
+	                                       {"punch-through weights", {0, 4, 8}, 0},
+	                                       {"only B", {8}, 1},
+	                                       {"only A", {0}, 2},
+	                                       {"B close to unused", {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}, 2}}};
+	std::minstd_rand random(1);
+	for (const int bpp : {4, 2})
+	{
+		const KilnSettings settings = settingsFor(bpp);
+		for (const FitCase& one : cases)
+		{
+			SCOPED_TRACE(one.name);
+			const auto params = tentWindow(settings);
+			for (int i = 0; i < settings.windowPixels(); ++i)
+			{
+				params->modulation[i] = static_cast<float>(one.weights[random() % one.weights.size()]);
+				params->fitWeight[i] = random() % 5 != 0 ? 1.0F : 0.0F;
+				for (float& channel : params->residual[i])
+				{
+					channel = static_cast<float>(static_cast<int>(random() % 511) - 255);
+				}
+			}
+			const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
+			ASSERT_EQ(fit.kind, one.kind);
+			const Remainder remainder = remainderOf(*params, fit);
+			for (int c = 0; c < 4; ++c)
+			{
+				if (fit.kind != 1)
+				{
+					// The little that B carries is left out on purpose.
+					EXPECT_NEAR(remainder.alongA[c], 0, 0.01) << c;
+				}
+				else
+				{
+					EXPECT_EQ(fit.deltaA[c], 0);
+				}
+				if (fit.kind != 2)
+				{
+					EXPECT_NEAR(remainder.alongB[c], 0, 0.01) << c;
+				}
+				else
+				{
+					EXPECT_EQ(fit.deltaB[c], 0);
+				}
+			}
+		}
+	}
+}
+
+TEST(KilnFitting, PixelsOfOneWeightAreCollinear)
+{
+	const KilnSettings settings = settingsFor(4);
+	const auto params = tentWindow(settings);
+	params->modulation.fill(3);
+	// One pixel in the middle: u = 5/8, v = 3/8 of it alone would have the residual 16, so that Ru = 10 and Rv = 6.
+	params->residual[40] = {16, -16, 0, 8};
+	double shares = 0;
+	for (const float weight : params->blockWeight)
+	{
+		shares += weight / 64 * weight / 64;
+	}
+	const double uu = shares * 25 / 64;
+	const double uv = shares * 15 / 64;
+	const double vv = shares * 9 / 64;
+	const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
+	EXPECT_EQ(fit.kind, 3);
+	EXPECT_NEAR(fit.deltaA[0], 10 / vv - 6 * uv / vv, 1e-4);
+	EXPECT_NEAR(fit.deltaB[0], 6 * uu / vv - 10 * uv / vv, 1e-4);
+	EXPECT_EQ(fit.deltaA[1], -fit.deltaA[0]);
+	EXPECT_EQ(fit.deltaA[2], 0);
+}
+
+TEST(KilnFitting, NothingToFitMovesNothing)
+{
+	const KilnSettings settings = settingsFor(4);
+	const auto params = tentWindow(settings);
+	params->fitWeight.fill(0);
+	params->residual[40] = {100, 100, 100, 100};
+	const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
+	EXPECT_EQ(fit.kind, 1);
+	EXPECT_EQ(fit.deltaA, KilnColourF{});
+	EXPECT_EQ(fit.deltaB, KilnColourF{});
+}
+
+TEST(KilnFitting, TheUnusedColourFollows)
+{
+	KilnColourF x = {100, 0, 0, 255};
+	KilnColourF y = {140, 0, 0, 255};
+	// Towards y: y closes up to a quarter of the way.
+	AdjustUnderusedCandidates(x, y, {20, 8, 0, 0}, x, y);
+	EXPECT_EQ(x, (KilnColourF{120, 8, 0, 255}));
+	EXPECT_EQ(y, (KilnColourF{125, 6, 0, 255}));
+	// Away from y: y takes the place that x left.
+	AdjustUnderusedCandidates(x, y, {-20, 0, 0, 0}, x, y);
+	EXPECT_EQ(x, (KilnColourF{100, 8, 0, 255}));
+	EXPECT_EQ(y, (KilnColourF{120, 8, 0, 255}));
+}
+
+TEST(KilnModes, ListsByRateAndGeneration)
+{
+	struct ListCase
+	{
+		int bpp;
+		bool tessel2;
+		bool useHard;
+		int preferred;
+		std::vector<int> modes;
+	};
+	const std::vector<ListCase> cases = {{4, false, true, 0, {0, 1}},         {4, true, false, 0, {0, 1}},
+	                                     {4, true, true, 0, {0, 1, 2, 3}},    {2, true, false, 0, {8, 9, 10, 11}},
+	                                     {2, false, true, 0, {8, 9, 10, 11}}, {2, true, true, 0, {8, 9, 10, 11, 12, 13, 14, 15}},
+	                                     {2, true, true, 2, {8, 10, 12, 14}}};
+	for (const ListCase& one : cases)
+	{
+		KilnSettings settings = settingsFor(one.bpp);
+		settings.tessel2 = one.tessel2;
+		KilnBlock block;
+		block.preferredInterpolation = one.preferred;
+		std::array<int, kKilnModeSlots> modes = {};
+		const int count = ConstructListOfNeededModes(settings, block, one.useHard, modes);
+		EXPECT_EQ(std::vector<int>(modes.begin(), modes.begin() + count), one.modes);
+	}
+	KilnSettings settings = settingsFor(4);
+	settings.bpp = 1;
+	std::array<int, kKilnModeSlots> modes = {};
+	EXPECT_DEATH(ConstructListOfNeededModes(settings, KilnBlock(), false, modes), "1bpp not yet implemented \\(OptimiseRegion\\)");
+}
+
+TEST(KilnPhase, VisitsColumnsInExchangedPairs)
+{
+	const std::vector<std::vector<int>> orders = {{0}, {0, 1}, {0, 2, 1}, {0, 2, 1, 3}, {0, 2, 1, 4, 3}, {0, 2, 1, 4, 3, 5}};
+	for (const std::vector<int>& order : orders)
+	{
+		for (std::size_t i = 0; i < order.size(); ++i)
+		{
+			EXPECT_EQ(exchangedColumn(static_cast<int>(i), static_cast<int>(order.size())), order[i]);
+		}
+	}
+}
+
+TEST(KilnCandidates, KeepsTheBestDifferentPairs)
+{
+	const auto list = std::make_unique<KilnTrialList>();
+	const auto pairOf = [](int red)
+	{
+		return KilnPair{{static_cast<std::uint8_t>(red), 0, 0, 255}, {}};
+	};
+	addTrial(*list, {pairOf(1), 50, 7}, 0);
+	addTrial(*list, {pairOf(2), 40, 9}, 0);
+	addTrial(*list, {pairOf(3), 40, 8}, 4);
+	addTrial(*list, {pairOf(2), 40, 9}, 4);
+	addTrial(*list, {pairOf(4), 60, 0}, 0);
+	EXPECT_EQ(bestTrial(*list)->candidate.pair, pairOf(3));
+	sortTrials(*list);
+	EXPECT_EQ(list->trials[0].hardVariant, 4U);
+	KilnModeSlot slot;
+	keepTrials(*list, 3, slot);
+	ASSERT_EQ(slot.count, 3);
+	EXPECT_EQ(slot.kept[0].pair, pairOf(3));
+	EXPECT_EQ(slot.kept[1].pair, pairOf(2));
+	EXPECT_EQ(slot.kept[2].pair, pairOf(1));
+}
+
+TEST(KilnCandidates, KnowsThePairsOfItsRound)
+{
+	const auto set = std::make_unique<KilnPairSet>();
+	for (int round = 0; round < 3; ++round)
+	{
+		set->clear();
+		// More than it can hold: it may forget, but must end and must never claim to know a new pair.
+		for (int i = 0; i < 5000; ++i)
+		{
+			const KilnPair pair = {{static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(i >> 8), 0, 0}, {}};
+			EXPECT_TRUE(set->insert(pair));
+			EXPECT_TRUE(i >= 1000 || !set->insert(pair));
+		}
+	}
+}
