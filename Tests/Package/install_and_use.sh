@@ -1,46 +1,50 @@
 #!/usr/bin/env bash
-# Installs the library into a scratch prefix and uses it from there: the examples through find_package, one of them
-# through pkg-config, and a program that calls every exported name.
+# Installs a build into a scratch prefix, moves the prefix, and uses it from there: the examples through find_package and
+# through pkg-config, the program zortex, and a program that calls every exported name.
 #
-#   install_and_use.sh static|shared SOURCE SCRATCH COMPILER
+#   install_and_use.sh static|shared SOURCE BUILD SCRATCH COMPILER
+#
+# BUILD is a build of this project of that kind, with the program; one that does not exist is made, and kept from run to run.
 set -euo pipefail
 kind=$1
 source=$2
-scratch=$3
-compiler=$4
+build=$3
+scratch=$4
+compiler=$5
 
-prefix=$scratch/prefix
-rm -rf "$prefix" "$scratch/examples"
-
-# Kept from run to run, so that only what has changed is compiled again.
-cmake -S "$source" -B "$scratch/library" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O1 \
-	-DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib -DBUILD_SHARED_LIBS="$([ "$kind" = shared ] && echo ON || echo OFF)" \
-	-DZORT_BUILD_TESTS=OFF -DZORT_BUILD_TOOLS=OFF
-cmake --build "$scratch/library"
-cmake --install "$scratch/library" >/dev/null
+rm -rf "$scratch"
+mkdir -p "$scratch/pkgconfig"
+if [ ! -f "$build/CMakeCache.txt" ] || [ -f "$build/made_for_the_test" ]; then
+	cmake -S "$source" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O1 \
+		-DBUILD_SHARED_LIBS="$([ "$kind" = shared ] && echo ON || echo OFF)" -DCMAKE_INSTALL_PREFIX=/usr/local -DCMAKE_INSTALL_LIBDIR=lib -DZORT_BUILD_TESTS=OFF
+	touch "$build/made_for_the_test"
+	cmake --build "$build"
+fi
+cmake --install "$build" --prefix "$scratch/installed" >/dev/null
+prefix=$scratch/moved
+mv "$scratch/installed" "$prefix"
+libdir=$(dirname "$(find "$prefix" -name 'libZORTexLib.*' | head -1)")
 
 case $kind in
-static) test -f "$prefix/lib/libZORTexLib.a" ;;
-shared) test -f "$prefix/lib/libZORTexLib.so" ;;
+static) test -f "$libdir/libZORTexLib.a" ;;
+shared) test -f "$libdir/libZORTexLib.so" ;;
 esac
-
-use() {
-	"$1/compress" "$scratch/picture.zor"
-	"$1/inspect" "$scratch/picture.zor"
-}
+version=$(sed -n 's/#define ZORTEXLIB_VERSION_STRING "\(.*\)"/\1/p' "$source/Library/Include/ZORTVersion.h")
+test "$("$prefix/bin/zortex" --version)" = "zortex $version"
 
 cmake -S "$source/Examples" -B "$scratch/examples" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$prefix"
+grep -q "^ZORTexLib_DIR:.*=$prefix/" "$scratch/examples/CMakeCache.txt"
 cmake --build "$scratch/examples"
-use "$scratch/examples"
+bash "$source/Tests/Package/check_examples.sh" "$scratch/examples" "$scratch/files"
 
-export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
-export LD_LIBRARY_PATH=$prefix/lib
+export PKG_CONFIG_PATH=$libdir/pkgconfig
+export LD_LIBRARY_PATH=$libdir
+test "$(pkg-config --modversion ZORTexLib)" = "$version"
 static_flag=$([ "$kind" = static ] && echo --static || true)
-mkdir -p "$scratch/pkgconfig"
-for program in "$source/Examples/inspect.cpp" "$source/Examples/compress.cpp" "$source/Tests/Package/every_export.cpp"; do
+for program in "$source"/Examples/*.cpp "$source/Tests/Package/every_export.cpp"; do
 	# shellcheck disable=SC2046 # the flags are words
 	"$compiler" -std=c++17 -Wall -Wextra -Wpedantic -Werror "$program" -o "$scratch/pkgconfig/$(basename "$program" .cpp)" \
 		$(pkg-config --cflags --libs $static_flag ZORTexLib)
 done
-use "$scratch/pkgconfig"
+bash "$source/Tests/Package/check_examples.sh" "$scratch/pkgconfig" "$scratch/files"
 "$scratch/pkgconfig/every_export"
