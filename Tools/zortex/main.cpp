@@ -4,6 +4,7 @@
 #include <iostream>
 #include <new>
 
+#include "CommandLineDocs.h"
 #include "Commands.h"
 #include "OperationOptions.h"
 #include "Refusal.h"
@@ -200,6 +201,8 @@ int runProgram(int argc, char** argv)
 	CLI::App* view = program.add_subcommand("view", "Draw all levels, faces, surfaces and slices of a texture into one PNG file");
 	view->add_option("FILE", infoFile, "Texture file or PNG picture")->required();
 	view->add_option("OUT", viewOutput, "PNG file; transparent areas show a checkerboard")->required();
+	GenerateOptions generateOptions;
+	const CLI::App* generate = addGenerate(program, generateOptions);
 
 	try
 	{
@@ -234,6 +237,10 @@ int runProgram(int argc, char** argv)
 	if (view->parsed())
 	{
 		return run(infoFile, [&infoFile, &viewOutput]() { runView(infoFile, viewOutput); });
+	}
+	if (generate->parsed())
+	{
+		return run(generateOptions.output, [&program, &generateOptions]() { runGenerate(program, generateOptions); });
 	}
 	return run("formats", [isJson]() { runFormats(isJson); });
 }
