@@ -305,63 +305,119 @@ TEST(KilnModel, KnowsItsErrorAt2Bpp)
 	}
 }
 
+namespace
+{
+/// The window of the middle one of 3 by 3 random blocks.
+struct RandomWindow
+{
+	std::array<KilnColour, kKilnMaxWindow> pixels;
+	KilnNeighbourColours colours;
+	KilnBlendRecords records;
+	KilnWindowModel model;
+
+	RandomWindow(bool tessel2, int round, std::mt19937& random)
+	{
+		const Scene scene = {4, tessel2, 3, 3, static_cast<Picture>(round % 4)};
+		const KilnSettings settings = settingsOf(scene);
+		CopyWindow(drawImage(scene, settings, random), settings, 1, 1, pixels.data());
+		KilnNeighbourModes modes;
+		GatherNeighbours(randomBlocks(settings, random), settings, 1, 1, colours, modes);
+		CreateBlendingAndUpdateWeights(modes, tessel2 ? round % 8 : 0, settings, records);
+		// The pair of the block is given with each evaluation, whatever stands in its place.
+		KilnNeighbourColours around = colours;
+		around[4] = {};
+		PrepareWindowModel(records, pixels.data(), around, true, model);
+	}
+};
+} // namespace
+
 TEST(KilnModel, WindowAgreesWithItsPixels)
 {
 	std::mt19937 random(13);
-	for (const bool tessel2 : {false, true})
+	for (int round = 0; round < 400; ++round)
 	{
-		for (int round = 0; round < 200; ++round)
+		const RandomWindow window(round % 2 == 0, round / 2, random);
+		KilnFittingParams params;
+		InitialisePackedFittingParams(params);
+		KilnErrors errors;
+		EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, UINT64_MAX, params, errors);
+
+		std::array<std::uint64_t, 3> sums = {};
+		for (int pixel = 0; pixel < kKilnWindow4Bpp; ++pixel)
 		{
-			const Scene scene = {4, tessel2, 3, 3, static_cast<Picture>(round % 4)};
-			const KilnSettings settings = settingsOf(scene);
-			const KilnImage image = drawImage(scene, settings, random);
-			const KilnBlockRows blocks = randomBlocks(settings, random);
-			std::array<KilnColour, kKilnMaxWindow> window;
-			CopyWindow(image, settings, 1, 1, window.data());
-			KilnNeighbourColours colours;
-			KilnNeighbourModes modes;
-			GatherNeighbours(blocks, settings, 1, 1, colours, modes);
-			KilnBlendRecords records;
-			CreateBlendingAndUpdateWeights(modes, tessel2 ? round % 8 : 0, settings, records);
-			KilnWindowModel model;
-			// The pair of the block is given with each evaluation, whatever stands in its place.
-			const KilnPair pair = colours[4];
-			colours[4] = {};
-			PrepareWindowModel(records, window.data(), colours, true, model);
-			colours[4] = pair;
+			const KilnBlendRecord& record = window.records.pixels[pixel];
+			const KilnColour& target = window.pixels[pixel];
+			int index = 0;
+			KilnColour decoded;
+			sums[record.pixelClass] += SynthCandsAndBestFitPixel(window.records, pixel, window.colours, target, index, decoded);
+			if (record.pixelClass == kKilnRim)
+			{
+				continue;
+			}
+			ASSERT_EQ(params.results[pixel].index, index);
+			ASSERT_EQ(params.fitWeight[pixel], record.punchThrough && index == 2 ? 0 : 1);
+			for (int c = 0; c < 4; ++c)
+			{
+				ASSERT_EQ(params.residual[pixel][c], target[c] - decoded[c]);
+			}
+		}
+		EXPECT_EQ(errors.own, sums[kKilnOwn]);
+		EXPECT_EQ(errors.outer, sums[kKilnOuter]);
+		EXPECT_EQ(errors.rim, sums[kKilnRim]);
+
+		// The evaluation stops early, and only then, at a limit.
+		KilnErrors limited;
+		EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, errors.total / 2, params, limited);
+		EXPECT_GE(limited.total, errors.total / 2);
+		EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, errors.total, params, limited);
+		EXPECT_EQ(limited.total, errors.total);
+	}
+}
+
+TEST(KilnModel, RegionsTakeOneIndex)
+{
+	std::mt19937 random(15);
+	for (int round = 0; round < 100; ++round)
+	{
+		const RandomWindow window(round % 2 == 0, round / 2, random);
+		// Regions of 1, of 3 and of all pixels, in an order of their own.
+		for (const int size : {1, 3, kKilnWindow4Bpp})
+		{
+			KilnRegions regions;
+			for (int i = 0; i < kKilnWindow4Bpp; ++i)
+			{
+				const int pixel = i * 64 % kKilnWindow4Bpp;
+				regions.order[i] = static_cast<std::uint8_t>(pixel);
+				regions.map[pixel] = static_cast<std::uint8_t>(i / size);
+			}
 			KilnFittingParams params;
 			InitialisePackedFittingParams(params);
 			KilnErrors errors;
-			EvalAllCandsAndGetErrors4BPP(model, pair, nullptr, UINT64_MAX, params, errors);
-
-			std::array<std::uint64_t, 3> sums = {};
-			for (int pixel = 0; pixel < kKilnWindow4Bpp; ++pixel)
+			EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], &regions, UINT64_MAX, params, errors);
+			KilnErrors alone;
+			KilnFittingParams aloneParams;
+			InitialisePackedFittingParams(aloneParams);
+			EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, UINT64_MAX, aloneParams, alone);
+			if (size == 1)
 			{
-				const KilnBlendRecord& record = records.pixels[pixel];
-				int index = 0;
-				KilnColour decoded;
-				sums[record.pixelClass] += SynthCandsAndBestFitPixel(records, pixel, colours, window[pixel], index, decoded);
-				if (record.pixelClass == kKilnRim)
+				EXPECT_EQ(errors.total, alone.total);
+				EXPECT_EQ(params.residual, aloneParams.residual);
+				continue;
+			}
+			EXPECT_GE(errors.total, alone.total);
+			for (int first = 0; first < kKilnWindow4Bpp; first += size)
+			{
+				int index = -1;
+				for (int i = first; i < first + size; ++i)
 				{
-					continue;
-				}
-				ASSERT_EQ(params.results[pixel].index, index);
-				ASSERT_EQ(params.fitWeight[pixel], record.punchThrough && index == 2 ? 0 : 1);
-				for (int c = 0; c < 4; ++c)
-				{
-					ASSERT_EQ(params.residual[pixel][c], window[pixel][c] - decoded[c]);
+					const int pixel = regions.order[i];
+					if (window.records.pixels[pixel].pixelClass != kKilnRim)
+					{
+						index = index < 0 ? params.results[pixel].index : index;
+						ASSERT_EQ(params.results[pixel].index, index);
+					}
 				}
 			}
-			EXPECT_EQ(errors.own, sums[kKilnOwn]);
-			EXPECT_EQ(errors.outer, sums[kKilnOuter]);
-			EXPECT_EQ(errors.rim, sums[kKilnRim]);
-
-			// The evaluation stops early, and only then, at a limit.
-			KilnErrors limited;
-			EvalAllCandsAndGetErrors4BPP(model, pair, nullptr, errors.total / 2, params, limited);
-			EXPECT_GE(limited.total, errors.total / 2);
-			EvalAllCandsAndGetErrors4BPP(model, pair, nullptr, errors.total, params, limited);
-			EXPECT_EQ(limited.total, errors.total);
 		}
 	}
 }
