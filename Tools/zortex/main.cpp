@@ -66,7 +66,9 @@ public:
 		m_app.add_option("--input-space", m_options.inputSpace, "Colour space of the input, whatever its file says")
 		    ->type_name("SPACE")
 		    ->group(format);
-		m_app.add_option("--quality", target.quality, "fast, normal, high or best, or a number of the format's own (default: normal)")
+		m_app
+		    .add_option("--quality", target.quality,
+		                "fast, normal, high or best, or a number of the format's own (default: normal); best takes minutes for ETC")
 		    ->type_name("Q")
 		    ->group(format);
 		m_app.add_option("--legacy", m_options.legacyApi, "Write a .zor file of version 2, with the numbers of gl, d3d, dxgi or openvg")

@@ -40,8 +40,8 @@ inline Rgb16 mixedBlock(std::mt19937& random, unsigned int turn)
 	return block;
 }
 
-constexpr int kPlainWeights[3] = {1, 1, 1};
-constexpr int kPerceptualWeights[3] = {299, 587, 114};
+inline constexpr int kPlainWeights[3] = {1, 1, 1};
+inline constexpr int kPerceptualWeights[3] = {299, 587, 114};
 
 /// The summed weighted squares over the texels of the mask (bit i for texel i in raster order).
 inline unsigned int weightedError(const Rgb16& a, const Rgb16& b, const int (&weights)[3], unsigned int mask = 0xFFFF)

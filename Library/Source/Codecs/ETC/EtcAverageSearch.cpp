@@ -2,9 +2,9 @@
 /// Individual and differential blocks whose base colours come from the means of the half blocks.
 #include <cmath>
 
-#include "Codecs/ETC/EtcBaseColours.h"
+#include "Codecs/ETC/EtcExhaustiveSearch.h"
 #include "Codecs/ETC/EtcFastSearch.h"
-#include "Codecs/ETC/EtcTableSearch.h"
+#include "Codecs/ETC/EtcSplit.h"
 
 namespace zortexture
 {
@@ -57,58 +57,44 @@ struct JointMeansPerceptual
 	}
 };
 
-template<typename Scale>
-struct SplitResult
+/// Which modes a search may take.
+enum class AllowedModes
 {
-	typename Scale::Error error;
-	unsigned int word1;
-	unsigned int word2;
+	Both, ///< Differential where the 5-bit colours allow it.
+	Individual,
+	Differential ///< Colours too far apart are both replaced by their mean.
 };
 
-/// One split: differential when its 5-bit colours allow, individual otherwise.
-template<typename Scale, typename Quantiser, HalfShape Shape>
-SplitResult<Scale> searchSplit(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY)
+/// One split. The colours are left in `colour1` and `colour2`.
+template<typename Scale, typename Quantiser, AllowedModes Allowed, HalfShape Shape>
+SplitResult<Scale> searchSplit(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                               BaseColour& colour1, BaseColour& colour2)
 {
-	constexpr bool kIsFlipped = Shape == HalfShape::Flipped;
-	constexpr unsigned int kDiffBit = 2;
-	const unsigned int secondX = startX + (kIsFlipped ? 0 : 2);
-	const unsigned int secondY = startY + (kIsFlipped ? 2 : 0);
-	const SearchTexels<8> texels1 = loadHalfTexels<Shape>(source, width, startX, startY);
-	const SearchTexels<8> texels2 = loadHalfTexels<Shape>(source, width, secondX, secondY);
-
+	const SplitTexels texels = loadSplitTexels<Shape>(source, width, startX, startY);
 	float mean1[3];
 	float mean2[3];
-	meanOfTexels(texels1, mean1);
-	meanOfTexels(texels2, mean2);
-
-	BaseColour colour1;
-	BaseColour colour2;
-	unsigned char base1[3];
-	unsigned char base2[3];
-	SplitResult<Scale> result;
-	Quantiser::to5Bits(mean1, colour1);
-	Quantiser::to5Bits(mean2, colour2);
-	if (isDifferentialPair(colour1, colour2))
+	meanOfTexels(texels.first, mean1);
+	meanOfTexels(texels.second, mean2);
+	if constexpr (Allowed != AllowedModes::Individual)
 	{
-		expandDifferentialColour(colour1, base1);
-		expandDifferentialColour(colour2, base2);
-		result.word1 = packDifferentialColours(colour1, colour2) | kDiffBit;
+		Quantiser::to5Bits(mean1, colour1);
+		Quantiser::to5Bits(mean2, colour2);
+		const bool isDifferential = isDifferentialPair(colour1, colour2);
+		if (!isDifferential && Allowed == AllowedModes::Differential)
+		{
+			for (int channel = 0; channel < 3; ++channel)
+			{
+				colour1[channel] = colour2[channel] = (colour1[channel] + colour2[channel]) >> 1;
+			}
+		}
+		if (isDifferential || Allowed == AllowedModes::Differential)
+		{
+			return encodeSplit<Scale, Shape>(texels, ColourMode::Differential, colour1, colour2);
+		}
 	}
-	else
-	{
-		Quantiser::to4Bits(mean1, colour1);
-		Quantiser::to4Bits(mean2, colour2);
-		expandIndividualColour(colour1, base1);
-		expandIndividualColour(colour2, base2);
-		result.word1 = packIndividualColours(colour1, colour2);
-	}
-
-	const auto choice1 = searchTables<Scale, Shape>(texels1, base1);
-	const auto choice2 = searchTables<Scale, Shape>(texels2, base2);
-	result.error = choice1.error + choice2.error;
-	result.word1 |= packTables(choice1.bits, choice2.bits, kIsFlipped);
-	result.word2 = packIndices(choice1.bits, choice2.bits, kIsFlipped);
-	return result;
+	Quantiser::to4Bits(mean1, colour1);
+	Quantiser::to4Bits(mean2, colour2);
+	return encodeSplit<Scale, Shape>(texels, ColourMode::Individual, colour1, colour2);
 }
 
 /// Both splits; the flipped one has to be strictly better.
@@ -116,11 +102,33 @@ template<typename Scale, typename Quantiser>
 void searchSplits(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY, unsigned int& word1,
                   unsigned int& word2)
 {
-	const auto upright = searchSplit<Scale, Quantiser, HalfShape::Upright>(source, width, startX, startY);
-	const auto flipped = searchSplit<Scale, Quantiser, HalfShape::Flipped>(source, width, startX, startY);
+	constexpr AllowedModes kBoth = AllowedModes::Both;
+	BaseColour colours[2];
+	const auto upright = searchSplit<Scale, Quantiser, kBoth, HalfShape::Upright>(source, width, startX, startY, colours[0], colours[1]);
+	const auto flipped = searchSplit<Scale, Quantiser, kBoth, HalfShape::Flipped>(source, width, startX, startY, colours[0], colours[1]);
 	const auto& best = flipped.error < upright.error ? flipped : upright;
 	word1 = best.word1;
 	word2 = best.word2;
+}
+
+/// The same in one mode, with what the exhaustive searches start from.
+template<typename Scale, AllowedModes Allowed>
+unsigned int searchOneMode(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY, unsigned int& word1,
+                           unsigned int& word2, EtcHalves& halves)
+{
+	const auto upright = searchSplit<Scale, RoundedMeans, Allowed, HalfShape::Upright>(
+	    source, width, startX, startY, halves.colours[kLeftHalf], halves.colours[kRightHalf]);
+	const auto flipped = searchSplit<Scale, RoundedMeans, Allowed, HalfShape::Flipped>(
+	    source, width, startX, startY, halves.colours[kTopHalf], halves.colours[kBottomHalf]);
+	halves.errors[kLeftHalf] = upright.error1;
+	halves.errors[kRightHalf] = upright.error2;
+	halves.errors[kTopHalf] = flipped.error1;
+	halves.errors[kBottomHalf] = flipped.error2;
+	halves.isFlipped = flipped.error < upright.error;
+	const auto& best = halves.isFlipped ? flipped : upright;
+	word1 = best.word1;
+	word2 = best.word2;
+	return best.error;
 }
 } // namespace
 
@@ -146,5 +154,31 @@ void compressBlockDiffFlipCombinedPerceptual(const unsigned char* source, unsign
                                              unsigned int& word1, unsigned int& word2)
 {
 	searchSplits<PerceptualScale, JointMeansPerceptual>(source, width, startX, startY, word1, word2);
+}
+
+unsigned int compressBlockOnlyIndividualAverage(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                                unsigned int& word1, unsigned int& word2, EtcHalves& halves)
+{
+	return searchOneMode<PlainScale, AllowedModes::Individual>(source, width, startX, startY, word1, word2, halves);
+}
+
+unsigned int compressBlockOnlyIndividualAveragePerceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
+                                                              unsigned int startY, unsigned int& word1, unsigned int& word2,
+                                                              EtcHalves& halves)
+{
+	return searchOneMode<Perceptual1000Scale, AllowedModes::Individual>(source, width, startX, startY, word1, word2, halves);
+}
+
+unsigned int compressBlockOnlyDiffFlipAverage(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
+                                              unsigned int& word1, unsigned int& word2, EtcHalves& halves)
+{
+	return searchOneMode<PlainScale, AllowedModes::Differential>(source, width, startX, startY, word1, word2, halves);
+}
+
+unsigned int compressBlockOnlyDiffFlipAveragePerceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
+                                                            unsigned int startY, unsigned int& word1, unsigned int& word2,
+                                                            EtcHalves& halves)
+{
+	return searchOneMode<Perceptual1000Scale, AllowedModes::Differential>(source, width, startX, startY, word1, word2, halves);
 }
 } // namespace zortexture

@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
+#include <memory>
+#include <new>
 
 #include "ETCCodec.h"
 #include "EacBlock.h"
 #include "EtcBlock.h"
 #include "EtcFastSearch.h"
 #include "EtcLadder.h"
+#include "EtcSearchSpace.h"
 
 namespace zortexture
 {
@@ -47,11 +51,10 @@ bool isEac(unsigned int format)
 	return format == ePF_EAC_R11 || format == ePF_EAC_RG11;
 }
 
-/// Whether the level's searches exist for the format. One-bit alpha and EAC have one search at every level; the exhaustive searches of the
-/// others are not part of the library yet.
-bool hasSearch(unsigned int format, int level)
+/// Whether the level tries all blocks of the format's modes. One-bit alpha and EAC have one search at every level.
+bool isExhaustive(unsigned int format, int level)
 {
-	return level < ETCQualityExhaustive || format == ePF_ETC2_RGB_A1 || isEac(format);
+	return level >= ETCQualityExhaustive && format != ePF_ETC2_RGB_A1 && !isEac(format);
 }
 
 /// The bytes of the padded image, for any format: the size query does not refuse.
@@ -109,9 +112,20 @@ void storeBigEndian(unsigned int word, unsigned char* bytes)
 	}
 }
 
-/// Encodes the colour words. A level below 0 selects no search; what the bytes held is turned into big-endian words all the same.
-void encodeColours(const TexelBlock& texels, unsigned int format, int level, unsigned char* block)
+/// What is the same for all blocks of an image.
+struct Encoding
 {
+	unsigned int format;
+	int level;
+	bool isSigned;
+	EtcSearchSpace* space; ///< Null but for the exhaustive levels.
+};
+
+/// Encodes the colour words. A level below 0 selects no search; what the bytes held is turned into big-endian words all the same.
+void encodeColours(const TexelBlock& texels, const Encoding& encoding, unsigned char* block)
+{
+	const unsigned int format = encoding.format;
+	const int level = encoding.level;
 	if (level < ETCQualityFast && format != ePF_ETC2_RGB_A1)
 	{
 		std::reverse(block, block + 4);
@@ -122,7 +136,14 @@ void encodeColours(const TexelBlock& texels, unsigned int format, int level, uns
 	unsigned int word1 = 0;
 	unsigned int word2 = 0;
 	unsigned char decoded[16 * 3];
-	if (format == ePF_ETC2_RGB_A1)
+	if (encoding.space != nullptr)
+	{
+		const bool isPlain = level == ETCQualityExhaustive;
+		const auto etc1 = isPlain ? compressBlockETC1Exhaustive : compressBlockETC1ExhaustivePerceptual;
+		const auto etc2 = isPlain ? compressBlockETC2Exhaustive : compressBlockETC2ExhaustivePerceptual;
+		(format == ePF_ETC1 ? etc1 : etc2)(texels.colours, decoded, 4, 0, 0, word1, word2, *encoding.space);
+	}
+	else if (format == ePF_ETC2_RGB_A1)
 	{
 		compressBlockETC2Fast(texels.colours, texels.alphas, decoded, 4, 4, 0, 0, word1, word2, format);
 	}
@@ -156,17 +177,18 @@ void encodeAlpha(const TexelBlock& texels, int level, unsigned char* block)
 }
 
 /// Encodes 4 by 4 texels of the format's layout.
-void encodeBlock(const unsigned char* raw, unsigned int format, int level, bool isSigned, unsigned char* block)
+void encodeBlock(const unsigned char* raw, const Encoding& encoding, unsigned char* block)
 {
+	const unsigned int format = encoding.format;
 	if (isEac(format))
 	{
 		const unsigned int channels = format == ePF_EAC_R11 ? 1 : 2;
 		std::uint16_t values[16 * 2];
 		std::memcpy(values, raw, channels * 32);
-		const std::uint16_t* valueTable = isSigned ? valueTableSigned() : valueTableUnsigned();
+		const std::uint16_t* valueTable = encoding.isSigned ? valueTableSigned() : valueTableUnsigned();
 		for (unsigned int channel = 0; channel < channels; ++channel)
 		{
-			compressBlockAlpha16(values + channel, channels, 0, 0, 4, block + channel * 8, isSigned, valueTable);
+			compressBlockAlpha16(values + channel, channels, 0, 0, 4, block + channel * 8, encoding.isSigned, valueTable);
 		}
 		return;
 	}
@@ -175,16 +197,16 @@ void encodeBlock(const unsigned char* raw, unsigned int format, int level, bool 
 	if (format == ePF_ETC1 || format == ePF_ETC2_RGB)
 	{
 		std::memcpy(texels.colours, raw, sizeof(texels.colours));
-		encodeColours(texels, format, level, block);
+		encodeColours(texels, encoding, block);
 		return;
 	}
 	split(raw, texels);
 	if (format == ePF_ETC2_RGBA)
 	{
-		encodeAlpha(texels, level, block);
+		encodeAlpha(texels, encoding.level, block);
 		block += 8;
 	}
-	encodeColours(texels, format, level, block);
+	encodeColours(texels, encoding, block);
 }
 } // namespace
 
@@ -210,10 +232,21 @@ unsigned int ETCCompress(const void* source, void* destination, const unsigned i
 		return 0; // only this spelling of the levels refuses signed texels
 	}
 	const Layout layout = layoutOf(format);
-	if (layout.blockBytes == 0 || !hasSearch(format, level))
+	if (layout.blockBytes == 0)
 	{
 		return 0;
 	}
+	std::unique_ptr<EtcSearchSpace> space;
+	if (isExhaustive(format, level))
+	{
+		space.reset(new (std::nothrow) EtcSearchSpace);
+		if (space == nullptr)
+		{
+			std::fputs("Out of memory allocating ", stdout);
+			return 0;
+		}
+	}
+	const Encoding encoding{format, level, isSigned, space.get()};
 
 	const auto* image = static_cast<const unsigned char*>(source);
 	auto* block = static_cast<unsigned char*>(destination);
@@ -223,7 +256,7 @@ unsigned int ETCCompress(const void* source, void* destination, const unsigned i
 		{
 			unsigned char texels[16 * 4];
 			gatherTexels(image, width, height, x, y, layout.texelBytes, texels);
-			encodeBlock(texels, format, level, isSigned, block);
+			encodeBlock(texels, encoding, block);
 		}
 	}
 	return size;

@@ -10,16 +10,6 @@ namespace zortexture
 {
 namespace
 {
-template<typename Scale, typename RuleOf>
-DistanceChoice searchColours(const SearchTexels<16>& texels, const EtcColourPair& packed, const RuleOf& ruleOf)
-{
-	EtcColourPair colours;
-	decompressColor(4, 4, 4, packed, colours);
-	DistanceChoice best;
-	searchDistances<Scale, TwoColourMode::H>(texels, colours, ruleOf, best);
-	return best;
-}
-
 /// The sorted 4-bit colours of one clustering.
 void clusterColours(Clustering clustering, const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
                     EtcColourPair& packed)
@@ -36,7 +26,7 @@ unsigned int compressFastest(const unsigned char* source, unsigned int width, un
 {
 	EtcColourPair packed;
 	clusterColours(computeColorLBGHalfIntensityFast, source, width, startX, startY, packed);
-	const auto choice = searchColours<Scale>(loadBlockTexels(source, width, startX, startY), packed, kMatchAll);
+	const auto choice = searchPackedColours<Scale, TwoColourMode::H>(loadBlockTexels(source, width, startX, startY), packed, kMatchAll);
 	packBlock58H(packed, choice.distance, choice.indices, word1, word2);
 	return choice.error;
 }
@@ -46,7 +36,7 @@ unsigned int calculateErrorAndCompress58H(const unsigned char* source, unsigned 
                                           const EtcColourPair& colours, unsigned int& distance, unsigned int& indices)
 {
 	const auto texels = loadBlockTexels(source, width, startX, startY);
-	return giveChoice(searchColours<PlainScale>(texels, colours, kMatchAll), distance, indices);
+	return giveChoice(searchPackedColours<PlainScale, TwoColourMode::H>(texels, colours, kMatchAll), distance, indices);
 }
 
 unsigned int calculateErrorAndCompress58Hperceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
@@ -54,7 +44,7 @@ unsigned int calculateErrorAndCompress58Hperceptual1000(const unsigned char* sou
                                                         unsigned int& indices)
 {
 	const auto texels = loadBlockTexels(source, width, startX, startY);
-	return giveChoice(searchColours<Perceptual1000Scale>(texels, colours, kMatchAll), distance, indices);
+	return giveChoice(searchPackedColours<Perceptual1000Scale, TwoColourMode::H>(texels, colours, kMatchAll), distance, indices);
 }
 
 unsigned int calculateErrorAndCompress58HAlpha(const unsigned char* source, const unsigned char* alpha, unsigned int width,
@@ -80,7 +70,7 @@ unsigned int calculateErrorAndCompress58HAlpha(const unsigned char* source, cons
 		return MatchSome{leftOut, (distanceIndex & 1) == flag ? 2U : 0U};
 	};
 	const auto texels = loadBlockTexels(source, width, startX, startY);
-	return giveChoice(searchColours<PlainScale>(texels, colours, ruleOf), distance, indices);
+	return giveChoice(searchPackedColours<PlainScale, TwoColourMode::H>(texels, colours, ruleOf), distance, indices);
 }
 
 double compressBlockTHUMB58HFastest(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
@@ -107,7 +97,7 @@ double compressBlockTHUMB58HFast(const unsigned char* source, unsigned int width
 	{
 		EtcColourPair packed;
 		clusterColours(clustering, source, width, startX, startY, packed);
-		const DistanceChoice choice = searchColours<PlainScale>(texels, packed, kMatchAll);
+		const DistanceChoice choice = searchPackedColours<PlainScale, TwoColourMode::H>(texels, packed, kMatchAll);
 		if (choice.error < best.error)
 		{
 			best = choice;

@@ -7,6 +7,8 @@
 
 namespace zortexture
 {
+struct EtcSearchSpace;
+
 /// What a quality of the encoder selects. The exhaustive levels have a second spelling, 4 and 5.
 inline constexpr int ETCQualityFast = 0;
 inline constexpr int ETCQualityFastPerceptual = 1;
@@ -26,4 +28,16 @@ void compressBlockETC2Fast(const unsigned char* source, const unsigned char* alp
                            unsigned int format);
 void compressBlockETC2FastPerceptual(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
                                      unsigned int startY, unsigned int& word1, unsigned int& word2);
+
+/// The best individual or differential block there is, or the fast one where that is better.
+void compressBlockETC1Exhaustive(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                 unsigned int startY, unsigned int& word1, unsigned int& word2, EtcSearchSpace& space);
+void compressBlockETC1ExhaustivePerceptual(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                           unsigned int startY, unsigned int& word1, unsigned int& word2, EtcSearchSpace& space);
+
+/// The best block of all modes.
+void compressBlockETC2Exhaustive(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                 unsigned int startY, unsigned int& word1, unsigned int& word2, EtcSearchSpace& space);
+void compressBlockETC2ExhaustivePerceptual(const unsigned char* source, unsigned char* decoded, unsigned int width, unsigned int startX,
+                                           unsigned int startY, unsigned int& word1, unsigned int& word2, EtcSearchSpace& space);
 } // namespace zortexture

@@ -5,27 +5,20 @@
 #include <cstdio>
 
 #include "Codecs/ETC/EtcFastSearch.h"
+#include "Codecs/ETC/EtcPlanarCorners.h"
 #include "Codecs/ETC/EtcSearchTexels.h"
 
 namespace zortexture
 {
 namespace
 {
-/// The three corner colours of a channel: at the origin, one block to the right and one block down.
-struct Corners
-{
-	unsigned int origin;
-	unsigned int horizontal;
-	unsigned int vertical;
-};
-
 /// Inverse of the normal matrix of the fit: of (A^T A) with the row (1 - x/4 - y/4, x/4, y/4) of A for texel (x, y).
 constexpr double kInverseNormal[3][3] = {{0.2875, -0.0125, -0.0125}, {-0.0125, 0.4875, -0.3125}, {-0.0125, -0.3125, 0.4875}};
 
 constexpr double kStep6Bits = 4.0476190476190474; // between two levels of 6 bits, 255/63
 constexpr double kStep7Bits = 2.0078740157480315; // 255/127
 
-Corners fitChannel(const SearchTexels<16>& texels, unsigned int channel, double step)
+PlanarCorners fitChannel(const SearchTexels<16>& texels, unsigned int channel, double step)
 {
 	// A^T p in quarters, so that the sums are exact.
 	int sums[3] = {};
@@ -54,11 +47,10 @@ void compressBlockPlanar57(const unsigned char* source, unsigned int width, unsi
                            unsigned int& word2)
 {
 	const SearchTexels<16> texels = loadBlockTexels(source, width, startX, startY);
-	const Corners red = fitChannel(texels, 0, kStep6Bits);
-	const Corners green = fitChannel(texels, 1, kStep7Bits);
-	const Corners blue = fitChannel(texels, 2, kStep6Bits);
-	word1 = red.origin << 26 | green.origin << 19 | blue.origin << 13 | red.horizontal << 7 | green.horizontal;
-	word2 = blue.horizontal << 26 | red.vertical << 20 | green.vertical << 13 | blue.vertical << 7;
+	const PlanarCorners red = fitChannel(texels, 0, kStep6Bits);
+	const PlanarCorners green = fitChannel(texels, 1, kStep7Bits);
+	const PlanarCorners blue = fitChannel(texels, 2, kStep6Bits);
+	packPlanarCorners(red, green, blue, word1, word2);
 }
 
 dMatrix* multiplyMatrices(const dMatrix* left, const dMatrix* right)

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "Codecs/ETC/EtcBlock.h"
+#include "Codecs/ETC/EtcTables.h"
 
 namespace zortexture
 {
@@ -12,6 +13,8 @@ namespace zortexture
 struct PlainScale
 {
 	using Error = unsigned int;
+	static constexpr unsigned int kWeights[3] = {1, 1, 1};
+	static constexpr unsigned int kBlockCeiling = kBlockErrorCeiling;
 
 	static Error square(int red, int green, int blue)
 	{
@@ -37,6 +40,8 @@ struct PerceptualScale
 struct Perceptual1000Scale
 {
 	using Error = unsigned int;
+	static constexpr unsigned int kWeights[3] = {299, 587, 114};
+	static constexpr unsigned int kBlockCeiling = kBlockErrorCeilingPerceptual1000;
 
 	static Error square(int red, int green, int blue)
 	{
@@ -65,6 +70,17 @@ inline SearchTexels<16> loadBlockTexels(const unsigned char* source, unsigned in
 	for (unsigned int y = 0; y < 4; ++y)
 	{
 		std::memcpy(texels.rgb[y * 4], source + texelIndex(width, startX, startY + y) * 3, sizeof(texels.rgb[0]) * 4);
+	}
+	return texels;
+}
+
+/// The 16 texels of a block column by column, the order of the stored index bits.
+inline SearchTexels<16> loadBlockColumns(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY)
+{
+	SearchTexels<16> texels;
+	for (unsigned int number = 0; number < 16; ++number)
+	{
+		std::memcpy(texels.rgb[number], source + texelIndex(width, startX + number / 4, startY + number % 4) * 3, 3);
 	}
 	return texels;
 }

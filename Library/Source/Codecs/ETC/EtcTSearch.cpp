@@ -12,16 +12,6 @@ namespace
 constexpr unsigned int kTransparentIndex = 2;
 
 template<typename Scale, typename RuleOf>
-DistanceChoice searchGivenOrder(const SearchTexels<16>& texels, const EtcColourPair& packed, const RuleOf& ruleOf)
-{
-	EtcColourPair colours;
-	decompressColor(4, 4, 4, packed, colours);
-	DistanceChoice best;
-	searchDistances<Scale, TwoColourMode::T>(texels, colours, ruleOf, best);
-	return best;
-}
-
-template<typename Scale, typename RuleOf>
 DistanceChoice searchBothOrders(const SearchTexels<16>& texels, EtcColourPair& packed, const RuleOf& ruleOf)
 {
 	EtcColourPair colours;
@@ -110,7 +100,7 @@ unsigned int calculateError59TnoSwap(const unsigned char* source, unsigned int w
                                      const EtcColourPair& colours, unsigned int& distance, unsigned int& indices)
 {
 	const auto texels = loadBlockTexels(source, width, startX, startY);
-	return giveChoice(searchGivenOrder<PlainScale>(texels, colours, kMatchAll), distance, indices);
+	return giveChoice(searchPackedColours<PlainScale, TwoColourMode::T>(texels, colours, kMatchAll), distance, indices);
 }
 
 unsigned int calculateError59TnoSwapPerceptual1000(const unsigned char* source, unsigned int width, unsigned int startX,
@@ -118,7 +108,7 @@ unsigned int calculateError59TnoSwapPerceptual1000(const unsigned char* source, 
                                                    unsigned int& indices)
 {
 	const auto texels = loadBlockTexels(source, width, startX, startY);
-	return giveChoice(searchGivenOrder<Perceptual1000Scale>(texels, colours, kMatchAll), distance, indices);
+	return giveChoice(searchPackedColours<Perceptual1000Scale, TwoColourMode::T>(texels, colours, kMatchAll), distance, indices);
 }
 
 double compressBlockTHUMB59TFastest(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,

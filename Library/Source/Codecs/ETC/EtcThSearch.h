@@ -20,6 +20,13 @@ inline unsigned int packRgb444(const unsigned char (&colour)[3])
 	return static_cast<unsigned int>(colour[0]) << 8 | static_cast<unsigned int>(colour[1]) << 4 | colour[2];
 }
 
+inline void unpackRgb444(unsigned int packed, unsigned char (&colour)[3])
+{
+	colour[0] = static_cast<unsigned char>(packed >> 8 & 15);
+	colour[1] = static_cast<unsigned char>(packed >> 4 & 15);
+	colour[2] = static_cast<unsigned char>(packed & 15);
+}
+
 enum class TwoColourMode
 {
 	T,
@@ -139,5 +146,16 @@ bool searchDistances(const SearchTexels<16>& texels, const EtcColourPair& colour
 		isBetter |= matchPaintColours<Scale>(texels, paint, ruleOf(distance), distance, best);
 	}
 	return isBetter;
+}
+
+/// The best distance for two 4-bit colours.
+template<typename Scale, TwoColourMode Mode, typename RuleOf>
+DistanceChoice searchPackedColours(const SearchTexels<16>& texels, const EtcColourPair& packed, const RuleOf& ruleOf)
+{
+	EtcColourPair colours;
+	decompressColor(4, 4, 4, packed, colours);
+	DistanceChoice best;
+	searchDistances<Scale, Mode>(texels, colours, ruleOf, best);
+	return best;
 }
 } // namespace zortexture

@@ -19,13 +19,6 @@ unsigned char compressChannel(unsigned char value, unsigned int bits)
 	return static_cast<unsigned char>(scaled >= 65280 ? 255 : scaled / 255);
 }
 
-void unpackRgb444(unsigned int packed, unsigned char (&colour)[3])
-{
-	colour[0] = static_cast<unsigned char>(packed >> 8 & 15);
-	colour[1] = static_cast<unsigned char>(packed >> 4 & 15);
-	colour[2] = static_cast<unsigned char>(packed & 15);
-}
-
 /// Tells that a block mode has one pattern alone, after the one colour that needs no pattern was set.
 void refusePattern(const EtcPaintColours& all, EtcPaintColours& paint)
 {
