@@ -3,6 +3,7 @@
 #ifndef ZORTEXLIB_H
 #define ZORTEXLIB_H
 
+#include "ASTCCodec.h"
 #include "Channels.h"
 #include "Comparison.h"
 #include "DXTCodec.h"

@@ -1,5 +1,6 @@
 #include "FormatCapabilities.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -27,6 +28,25 @@ CZORTexture makePicture(unsigned int width, unsigned int height)
 	return texture;
 }
 
+/// ASTC is coded by a program, which is not built on every machine.
+bool isTestable(const CompressedFormat& format)
+{
+	static const bool hasEncoder = []
+	{
+		const std::string folder = ZORT_ASTCENC_FOLDER;
+		const char* const path = std::getenv("PATH");
+		setenv("PATH", (folder + ":" + (path != nullptr ? path : "")).c_str(), 1);
+		return !folder.empty();
+	}();
+	return hasEncoder || getCodecType(format.id) != eCodecASTC;
+}
+
+/// Two of the formats of ASTC stand for all where much is tried: each image is one start of the program.
+bool isTriedAtLength(const CompressedFormat& format)
+{
+	return getCodecType(format.id) != eCodecASTC || (isTestable(format) && (format.id == ePF_ASTC_6x5 || format.id == ePF_ASTC_4x4x3));
+}
+
 bool encode(CZORTexture& texture, const CompressedFormat& format, int quality)
 {
 	const PixelType target(format.id);
@@ -51,6 +71,10 @@ TEST(FormatCapabilities, AgreesWithTheLibraryOnWhatIsDecoded)
 {
 	for (const CompressedFormat& format : compressedFormats())
 	{
+		if (!isTestable(format))
+		{
+			continue;
+		}
 		const CZORTextureHeader header(format.id, kSide, kSide, 1, 1, 1, 1, eCS_lRGB, defaultChannelType(PixelType(format.id)));
 		CZORTexture texture(header, nullptr);
 		if (texture.getDataSize() != 0)
@@ -68,13 +92,17 @@ TEST(FormatCapabilities, AgreesWithTheLibraryOnWhatIsEncoded)
 	for (const CompressedFormat& format : compressedFormats())
 	{
 		EXPECT_EQ(canEncode(PixelType(format.id)), format.codec->encodes) << format.name;
+		if (!isTestable(format))
+		{
+			continue;
+		}
 		if (!format.codec->encodes)
 		{
 			CZORTexture texture = makePicture(kSide, kSide);
 			EXPECT_FALSE(encode(texture, format, 0) && hasContent(texture)) << format.name;
 			continue;
 		}
-		for (int quality = 0; quality <= format.codec->bestQuality; ++quality)
+		for (int quality = 0; quality <= (isTriedAtLength(format) ? format.codec->bestQuality : 0); ++quality)
 		{
 			CZORTexture texture = makePicture(kSide, kSide);
 			EXPECT_TRUE(encode(texture, format, quality)) << format.name << " " << quality;
@@ -91,7 +119,7 @@ TEST(FormatCapabilities, SizesThatAreNotRefusedAreEncoded)
 {
 	for (const CompressedFormat& format : compressedFormats())
 	{
-		if (!format.codec->encodes)
+		if (!format.codec->encodes || !isTriedAtLength(format))
 		{
 			continue;
 		}

@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "ConvertReport.h"
 #include "FormatCapabilities.h"
+#include "HelperPrograms.h"
 #include "Layouts.h"
 #include "OtherContainers.h"
 #include "PngFile.h"
@@ -113,7 +114,8 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
 	report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 	if (!isConverted)
 	{
-		throw Refusal(options.input, "cannot be converted to " + formatName(target.pixelType, target.type));
+		throw Refusal(options.input, "cannot be converted to " + formatName(target.pixelType, target.type) +
+		                                 helperProblem(original.getPixelType(), target.pixelType));
 	}
 	report.quality = target.quality;
 	report.dither = target.dither;

@@ -18,7 +18,7 @@ constexpr Codec kBC = {"BC", false, false, 0, {0, 0, 0, 0}, SizeRule::any};
 constexpr Codec kYUV = {"YUV 4:2:2", true, true, 0, {0, 0, 0, 0}, SizeRule::wholeUnits};
 constexpr Codec kRGBG = {"RGBG", true, true, 0, {0, 0, 0, 0}, SizeRule::wholeUnits};
 constexpr Codec kOneBPP = {"one bit", true, true, 0, {0, 0, 0, 0}, SizeRule::wholeUnits};
-constexpr Codec kASTC = {"ASTC", false, false, 0, {0, 0, 0, 0}, SizeRule::any};
+constexpr Codec kASTC = {"ASTC", true, true, 4, {1, 2, 3, 4}, SizeRule::any};
 constexpr Codec kSharedExponent = {"shared exponent", true, true, 0, {0, 0, 0, 0}, SizeRule::any};
 
 constexpr CompressedFormat kFormats[] = {
@@ -137,6 +137,12 @@ bool canEncode(PixelType format)
 	return row != nullptr && row->codec->encodes;
 }
 
+bool canHoldVolume(PixelType format)
+{
+	const CompressedFormat* row = findCompressedFormat(format);
+	return row == nullptr || row->codec == &kASTC;
+}
+
 void blockSize(const CompressedFormat& format, unsigned int& x, unsigned int& y, unsigned int& z)
 {
 	ZORTGetFormatMinDims(format.id, x, y, z);
@@ -176,7 +182,7 @@ std::string sizeProblem(const CZORTextureHeader& header, PixelType format)
 	unsigned int unitZ = 1;
 	ZORTGetFormatMinDims(format.id, unitX, unitY, unitZ);
 
-	if (header.getDepth() > 1 && unitZ == 1)
+	if (header.getDepth() > 1 && !canHoldVolume(format))
 	{
 		return name + " cannot hold a volume of depth " + std::to_string(header.getDepth());
 	}

@@ -57,6 +57,9 @@ const CompressedFormat* findCompressedFormat(std::string_view name);
 bool canDecode(zortexture::PixelType format);
 bool canEncode(zortexture::PixelType format);
 
+/// Whether images of more than one depth slice exist in the format. ASTC holds them slice by slice in its flat blocks, too.
+bool canHoldVolume(zortexture::PixelType format);
+
 /// Block dimensions of a compressed format in texels.
 void blockSize(const CompressedFormat& format, unsigned int& x, unsigned int& y, unsigned int& z);
 

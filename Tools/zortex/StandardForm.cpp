@@ -2,6 +2,7 @@
 
 #include "FormatCapabilities.h"
 #include "FormatNames.h"
+#include "HelperPrograms.h"
 #include "Layouts.h"
 #include "Refusal.h"
 #include "Text.h"
@@ -21,9 +22,7 @@ std::string sourceProblem(const CZORTextureHeader& header)
 	}
 	if (format.isCompressed())
 	{
-		unsigned int unit[3] = {};
-		ZORTGetFormatMinDims(format.id, unit[0], unit[1], unit[2]);
-		return header.getDepth() > 1 && unit[2] == 1 ? "holds a volume in " + name + ", which cannot be decoded" : "";
+		return header.getDepth() > 1 && !canHoldVolume(format) ? "holds a volume in " + name + ", which cannot be decoded" : "";
 	}
 	const std::string problem = layoutProblem(format, header.getChannelType());
 	return problem.empty()
@@ -52,9 +51,10 @@ void makeStandard(CZORTexture& texture, EZORTVariableType type, EZORTColourSpace
 	{
 		return;
 	}
+	const PixelType source = texture.getPixelType();
 	if (!transcodeTexture(texture, layout, type, space))
 	{
-		throw Refusal(file, "its pixels cannot be decoded");
+		throw Refusal(file, "its pixels cannot be decoded" + helperProblem(source, layout));
 	}
 }
 

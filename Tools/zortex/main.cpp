@@ -6,6 +6,7 @@
 
 #include "CommandLineDocs.h"
 #include "Commands.h"
+#include "HelperPrograms.h"
 #include "OperationOptions.h"
 #include "Refusal.h"
 
@@ -183,6 +184,7 @@ int run(const std::string& file, Command command)
 /// Reads the command line and runs the command that it names.
 int runProgram(int argc, char** argv)
 {
+	putHelpersOnPath();
 	CLI::App program("zortex converts pictures into GPU textures and back.", "zortex");
 	program.footer(kMainFooter);
 	program.set_version_flag("--version", "zortex " ZORTEXLIB_VERSION_STRING, "Print the version");

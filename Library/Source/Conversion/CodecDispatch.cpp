@@ -1,5 +1,6 @@
 #include "CodecDispatch.h"
 
+#include "ASTCCodec.h"
 #include "DXTCodec.h"
 #include "ETCCodec.h"
 #include "SimpleCodecs.h"
@@ -25,6 +26,12 @@ constexpr STesselVariant kTesselVariants[] = {
     {false, true, 1},  // ePF_TesselII_2bpp
     {false, false, 1}, // ePF_TesselII_4bpp
 };
+
+/// One dimension of an ASTC block: 0 its width, 1 its height, 2 its depth.
+unsigned char blockSide(unsigned int block, unsigned int dimension)
+{
+	return static_cast<unsigned char>(block >> dimension * 8);
+}
 } // namespace
 
 unsigned int decodeImage(const SCodecImage& image)
@@ -48,6 +55,12 @@ unsigned int decodeImage(const SCodecImage& image)
 		return RGBGDecompress(image.source, image.destination, image.width, image.height, image.format);
 	case eCodecOneBPP:
 		return OneBPPDecompress(image.source, image.destination, image.width, image.height);
+	case eCodecASTC:
+	{
+		const unsigned int block = getASTCBlockSizes(image.format);
+		return ASTCDecompress(image.source, image.destination, image.width, image.height, image.depth, blockSide(block, 0),
+		                      blockSide(block, 1), image.format, image.colourSpace);
+	}
 	case eCodecSharedExponent:
 		return RGB9E5Decompress(image.source, image.destination, image.width, image.height);
 	default:
@@ -75,6 +88,12 @@ unsigned int encodeImage(const SCodecImage& image)
 		return RGBGCompress(image.source, image.destination, image.width, image.height, image.format);
 	case eCodecOneBPP:
 		return OneBPPCompress(image.source, image.destination, image.width, image.height);
+	case eCodecASTC:
+	{
+		const unsigned int block = getASTCBlockSizes(image.format);
+		return ASTCCompress(image.source, image.destination, image.width, image.height, image.depth, blockSide(block, 0),
+		                    blockSide(block, 1), blockSide(block, 2), image.quality);
+	}
 	case eCodecSharedExponent:
 		return RGB9E5Compress(image.source, image.destination, image.width, image.height);
 	default:
