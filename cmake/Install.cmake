@@ -52,6 +52,7 @@ set(pkgconfig_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH pkgconfig_prefix ${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
 file(RELATIVE_PATH pkgconfig_libdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
 file(RELATIVE_PATH pkgconfig_includedir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+file(RELATIVE_PATH pkgconfig_libexecdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBEXECDIR})
 configure_file(cmake/ZORTexLib.pc.in ${CMAKE_CURRENT_BINARY_DIR}/ZORTexLib.pc @ONLY)
 install(
   FILES ${CMAKE_CURRENT_BINARY_DIR}/ZORTexLib.pc

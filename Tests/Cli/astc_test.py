@@ -9,8 +9,6 @@ import struct
 from zortex_testing import *
 
 ASTCENC = os.environ["ZORT_ASTCENC"]
-PHOTO = os.path.join(DATA, "astronaut_256.png")
-RGBA8888 = layout("rgba", 8, 8, 8, 8)
 FLAT = "4x4 5x4 5x5 6x5 6x6 8x5 8x6 8x8 10x5 10x6 10x8 10x10 12x10 12x12".split()
 DEEP = "3x3x3 4x3x3 4x4x3 4x4x4 5x4x4 5x5x4 5x5x5 6x5x5 6x6x5 6x6x6".split()
 
@@ -19,18 +17,6 @@ def psnr(one, other):
     assert len(one) == len(other)
     error = sum((a - b) ** 2 for a, b in zip(one, other)) / len(one)
     return 10 * math.log10(255 * 255 / error) if error else math.inf
-
-
-def volume_of_photo(width, height, depth):
-    """Slices of the photograph, each a pixel further along its diagonal, as RGBA bytes."""
-    with open(PHOTO, "rb") as file:
-        columns, _, _, _, values, _ = read_png(file.read())
-    pixels = bytearray()
-    for z in range(depth):
-        for y in range(64 + z, 64 + z + height):
-            for x in range(96 + z, 96 + z + width):
-                pixels += bytes(values[(y * columns + x) * 3:(y * columns + x) * 3 + 3]) + bytes([255 - z])
-    return bytes(pixels)
 
 
 class AstcTest(ProgramTest):

@@ -15,6 +15,8 @@ GREY, RGB, PALETTE, GREY_ALPHA, RGBA = 0, 2, 3, 4, 6
 CHANNELS = {GREY: 1, RGB: 3, PALETTE: 1, GREY_ALPHA: 2, RGBA: 4}
 PNG_SIGNATURE = b"\x89PNG\r\n\x1a\n"
 
+PHOTO = os.path.join(DATA, "astronaut_256.png")
+
 MAGIC = 0x03524F5A
 UNORM8, UNORM16, FLOAT = 0, 4, 12
 
@@ -147,6 +149,9 @@ def layout(letters, *bits):
     return int.from_bytes(letters.encode().ljust(4, b"\0") + bytes(bits).ljust(4, b"\0"), "little")
 
 
+RGBA8888 = layout("rgba", 8, 8, 8, 8)
+
+
 def make_native(pixel_format, width, height, pixels, channel_type=UNORM8, space=0, flags=0, depth=1, surfaces=1, faces=1, levels=1,
                 blocks=()):
     """`blocks` are metadata: fourCC, key, bytes."""
@@ -162,6 +167,18 @@ def read_native(content):
     header = dict(zip(names, struct.unpack_from("<IIQIIIIIIIII", content)))
     assert header["magic"] == MAGIC
     return header, content[52 + header["metadata"]:]
+
+
+def volume_of_photo(width, height, depth):
+    """Slices of the photograph, each one pixel further along its diagonal and a little more transparent, as RGBA bytes."""
+    with open(PHOTO, "rb") as file:
+        columns, _, _, _, values, _ = read_png(file.read())
+    pixels = bytearray()
+    for z in range(depth):
+        for y in range(64 + z, 64 + z + height):
+            for x in range(96 + z, 96 + z + width):
+                pixels += bytes(values[(y * columns + x) * 3:(y * columns + x) * 3 + 3]) + bytes([255 - z])
+    return bytes(pixels)
 
 
 def main():
