@@ -10,22 +10,24 @@
 
 namespace
 {
-/// A window of fitting data: block shares of a tent, zero on the rim, with weights and residuals to be filled in.
-std::unique_ptr<KilnFittingParams> tentWindow(const KilnSettings& settings)
+/// The share of the block in each pixel of its window, 0 to 64: a tent, 0 on the rim.
+std::vector<int> tentShares(const KilnSettings& settings)
 {
-	auto params = std::make_unique<KilnFittingParams>();
-	for (int y = 0; y < settings.windowHeight; ++y)
+	std::vector<int> shares;
+	for (int i = 0; i < settings.windowPixels(); ++i)
 	{
-		for (int x = 0; x < settings.windowWidth; ++x)
-		{
-			const int alongX = settings.blockWidth - std::abs(x - settings.blockWidth);
-			const int alongY = settings.blockHeight - std::abs(y - settings.blockHeight);
-			const int i = y * settings.windowWidth + x;
-			params->blockWeight[i] = static_cast<float>(alongX * alongY * 64 / (settings.blockWidth * settings.blockHeight));
-			params->fitWeight[i] = 1;
-		}
+		const int alongX = settings.blockWidth - std::abs(i % settings.windowWidth - settings.blockWidth);
+		const int alongY = settings.blockHeight - std::abs(i / settings.windowWidth - settings.blockHeight);
+		shares.push_back(alongX * alongY * 64 / (settings.blockWidth * settings.blockHeight));
 	}
-	return params;
+	return shares;
+}
+
+/// @param weight  of B in eighths.
+void setInfluence(KilnFittingParams& params, int pixel, int share, int weight)
+{
+	params.influenceA[pixel] = static_cast<std::int16_t>(share * (8 - weight));
+	params.influenceB[pixel] = static_cast<std::int16_t>(share * weight);
 }
 
 KilnSettings settingsFor(int bpp)
@@ -49,8 +51,8 @@ Remainder remainderOf(const KilnFittingParams& params, const KilnFit& fit)
 	Remainder remainder;
 	for (int i = 0; i < kKilnMaxWindow; ++i)
 	{
-		const double u = (8 - params.modulation[i]) / 8.0 * params.blockWeight[i] / 64 * params.fitWeight[i];
-		const double v = params.modulation[i] / 8.0 * params.blockWeight[i] / 64 * params.fitWeight[i];
+		const double u = params.influenceA[i] / 512.0;
+		const double v = params.influenceB[i] / 512.0;
 		for (int c = 0; c < 4; ++c)
 		{
 			const double left = params.residual[i][c] - u * fit.deltaA[c] - v * fit.deltaB[c];
@@ -83,14 +85,15 @@ TEST(KilnFitting, StepsToTheLeastSquares)
 		for (const FitCase& one : cases)
 		{
 			SCOPED_TRACE(one.name);
-			const auto params = tentWindow(settings);
+			const std::vector<int> shares = tentShares(settings);
+			const auto params = std::make_unique<KilnFittingParams>();
 			for (int i = 0; i < settings.windowPixels(); ++i)
 			{
-				params->modulation[i] = static_cast<float>(one.weights[random() % one.weights.size()]);
-				params->fitWeight[i] = random() % 5 != 0 ? 1.0F : 0.0F;
-				for (float& channel : params->residual[i])
+				const int weight = one.weights[random() % one.weights.size()];
+				setInfluence(*params, i, random() % 5 != 0 ? shares[i] : 0, weight);
+				for (std::int16_t& channel : params->residual[i])
 				{
-					channel = static_cast<float>(static_cast<int>(random() % 511) - 255);
+					channel = static_cast<std::int16_t>(static_cast<int>(random() % 511) - 255);
 				}
 			}
 			const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
@@ -123,15 +126,15 @@ TEST(KilnFitting, StepsToTheLeastSquares)
 TEST(KilnFitting, PixelsOfOneWeightAreCollinear)
 {
 	const KilnSettings settings = settingsFor(4);
-	const auto params = tentWindow(settings);
-	params->modulation.fill(3);
-	// One pixel in the middle: u = 5/8, v = 3/8 of it alone would have the residual 16, so that Ru = 10 and Rv = 6.
-	params->residual[40] = {16, -16, 0, 8};
+	const auto params = std::make_unique<KilnFittingParams>();
 	double shares = 0;
-	for (const float weight : params->blockWeight)
+	for (int i = 0; const int share : tentShares(settings))
 	{
-		shares += weight / 64 * weight / 64;
+		setInfluence(*params, i++, share, 3);
+		shares += share / 64.0 * share / 64;
 	}
+	// One pixel in the middle, u = 5/8 and v = 3/8: with a residual of 16, Ru = 10 and Rv = 6.
+	params->residual[40] = {16, -16, 0, 8};
 	const double uu = shares * 25 / 64;
 	const double uv = shares * 15 / 64;
 	const double vv = shares * 9 / 64;
@@ -146,8 +149,7 @@ TEST(KilnFitting, PixelsOfOneWeightAreCollinear)
 TEST(KilnFitting, NothingToFitMovesNothing)
 {
 	const KilnSettings settings = settingsFor(4);
-	const auto params = tentWindow(settings);
-	params->fitWeight.fill(0);
+	const auto params = std::make_unique<KilnFittingParams>();
 	params->residual[40] = {100, 100, 100, 100};
 	const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
 	EXPECT_EQ(fit.kind, 1);

@@ -355,7 +355,11 @@ TEST(KilnModel, WindowAgreesWithItsPixels)
 				continue;
 			}
 			ASSERT_EQ(params.results[pixel].index, index);
-			ASSERT_EQ(params.fitWeight[pixel], record.punchThrough && index == 2 ? 0 : 1);
+			if (record.punchThrough && index == 2)
+			{
+				ASSERT_EQ(params.influenceA[pixel], 0);
+				ASSERT_EQ(params.influenceB[pixel], 0);
+			}
 			for (int c = 0; c < 4; ++c)
 			{
 				ASSERT_EQ(params.residual[pixel][c], target[c] - decoded[c]);
@@ -447,8 +451,7 @@ TEST(KilnModel, FitDataTellsTheInfluenceOfTheBlock)
 		EvalAllCandsAndGetErrors4BPP(model, pair, nullptr, UINT64_MAX, params, errors);
 		for (int pixel = 0; pixel < kKilnWindow4Bpp; ++pixel)
 		{
-			const float modulation = round < 32 ? 8 - params.modulation[pixel] : params.modulation[pixel];
-			const float expected = 255 * params.blockWeight[pixel] / 64 * modulation / 8 * params.fitWeight[pixel];
+			const float expected = 255.0F / 512 * (round < 32 ? params.influenceA : params.influenceB)[pixel];
 			if (records.pixels[pixel].pixelClass == kKilnRim)
 			{
 				EXPECT_EQ(expected, 0);

@@ -40,7 +40,7 @@ void recordPixel(const KilnWindowModel& model, int pixel, const KilnPixelCosts& 
 	const KilnPixelModel& entry = model.pixels[pixel];
 	const KilnBlendRecord& record = model.records->pixels[pixel];
 	unsigned weight = record.candidateWeights[index];
-	unsigned blockWeight = entry.blockWeight;
+	unsigned blockWeight = entry.punchThrough && index == kKilnPunchThroughIndex ? 0 : entry.blockWeight;
 	if (entry.localPalette)
 	{
 		weight = record.paletteMixes[index];
@@ -49,11 +49,10 @@ void recordPixel(const KilnWindowModel& model, int pixel, const KilnPixelCosts& 
 	const std::array<std::uint16_t, 4>& decoded = costs.colours[kKilnCostPlace[index]];
 	for (int c = 0; c < 4; ++c)
 	{
-		params.residual[pixel][c] = static_cast<float>(entry.target[c] - decoded[c]);
+		params.residual[pixel][c] = static_cast<std::int16_t>(entry.target[c] - decoded[c]);
 	}
-	params.blockWeight[pixel] = static_cast<float>(blockWeight);
-	params.modulation[pixel] = static_cast<float>(weight);
-	params.fitWeight[pixel] = entry.punchThrough && index == kKilnPunchThroughIndex ? 0.0F : 1.0F;
+	params.influenceA[pixel] = static_cast<std::int16_t>(blockWeight * (8 - weight));
+	params.influenceB[pixel] = static_cast<std::int16_t>(blockWeight * weight);
 	params.results[pixel] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(weight)};
 }
 
@@ -102,10 +101,9 @@ void evaluateRegions(const KilnWindowModel& model, const KilnPair& pair, const K
 
 void InitialisePackedFittingParams(KilnFittingParams& params)
 {
-	params.blockWeight.fill(0);
-	params.modulation.fill(0);
+	params.influenceA.fill(0);
+	params.influenceB.fill(0);
 	params.residual.fill({});
-	params.fitWeight.fill(0);
 	params.results.fill({});
 }
 

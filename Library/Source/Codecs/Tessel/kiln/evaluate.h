@@ -28,18 +28,17 @@ struct KilnPixelResult
 	std::uint8_t weight = 0;
 };
 
-/// The data of a fit, one entry a window pixel, padded with zeros to a multiple of 4.
+/// The data of a fit, one entry a window pixel, 0 past the end. The block's colours enter a pixel by multiples of 1/512, so that all sums
+/// of a fit are whole numbers.
 struct KilnFittingParams
 {
 	static constexpr int kCapacity = 156;
-	/// The share of the block in the pixel, 0 to 64; 0 for a palette pixel that shows a colour of another block.
-	alignas(32) std::array<float, kCapacity> blockWeight;
-	/// The weight of B in eighths.
-	alignas(32) std::array<float, kCapacity> modulation;
+	/// By how many 512ths a step of A, or of B, moves the pixel. 0 for a palette pixel that shows a colour of another block and for one
+	/// that is decoded as punch-through.
+	alignas(16) std::array<std::int16_t, kCapacity> influenceA;
+	alignas(16) std::array<std::int16_t, kCapacity> influenceB;
 	/// Pixel less decoded colour.
-	alignas(32) std::array<KilnColourF, kCapacity> residual;
-	/// 1, and 0 for a pixel that is decoded as punch-through.
-	alignas(32) std::array<float, kCapacity> fitWeight;
+	alignas(16) std::array<std::array<std::int16_t, 4>, kCapacity> residual;
 	/// The choices of the last evaluation.
 	std::array<KilnPixelResult, kKilnMaxWindow> results;
 };

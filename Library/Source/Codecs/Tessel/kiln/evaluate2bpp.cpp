@@ -206,11 +206,10 @@ void EvalAllCandsAndGetErrors2BPP(const KilnWindowModel& model, const KilnPair& 
 		(entry.pixelClass == kKilnOwn ? errors.own : errors.outer) += errorOf(entry, residual);
 		for (int c = 0; c < 4; ++c)
 		{
-			params.residual[pixel][c] = static_cast<float>(residual[c]);
+			params.residual[pixel][c] = static_cast<std::int16_t>(residual[c]);
 		}
-		params.blockWeight[pixel] = static_cast<float>(entry.blockWeight);
-		params.modulation[pixel] = static_cast<float>(weight);
-		params.fitWeight[pixel] = 1.0F;
+		params.influenceA[pixel] = static_cast<std::int16_t>(entry.blockWeight * (8 - weight));
+		params.influenceB[pixel] = static_cast<std::int16_t>(entry.blockWeight * weight);
 		params.results[pixel] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(weight)};
 	}
 	errors.total = errors.own + errors.outer;

@@ -1,22 +1,24 @@
 #include <cstdint>
 
+#include "lanes.h"
 #include "optimise.h"
 
 namespace
 {
-/// The window pixels on which the block at its centre has any influence: first and end.
+/// The window pixels on which the block at its centre has any influence: first and end, an even number. The pixel past the last one
+/// lies on the rim, where all data is 0.
 struct PixelRange
 {
 	int first;
 	int end;
 };
-constexpr PixelRange kCentralRange4Bpp = {10, 71};
-constexpr PixelRange kCentralRange2Bpp = {18, 135};
+constexpr PixelRange kCentralRange4Bpp = {10, 72};
+constexpr PixelRange kCentralRange2Bpp = {18, 136};
 
 /// A colour whose influence is below the other's by more than this is not fitted: it would take a huge step.
 constexpr double kUnderused = 100;
 
-/// The normal equations of the two colours.
+/// The normal equations of the two colours. Whole multiples of a power of two, and so exact, as are the products of two of them.
 struct NormalSums
 {
 	double uu = 0;
@@ -26,36 +28,45 @@ struct NormalSums
 	std::array<double, 4> v = {};
 };
 
-/// Influences are multiples of 1/512 up to 1 and residuals whole numbers, so that every sum is exact in a float whatever the order.
 NormalSums sumNormalEquations(const PixelRange& range, const KilnFittingParams& params)
 {
-	constexpr float kScale = 1.0F / 512;
-	float uu = 0;
-	float uv = 0;
-	float vv = 0;
-	KilnColourF residualU = {};
-	KilnColourF residualV = {};
-	for (int i = range.first; i < range.end; ++i)
+	// No sum of 118 products of influences up to 512 and residuals up to 255 leaves 32 bits.
+	Lanes32 sumsU = {};
+	Lanes32 sumsV = {};
+	Lanes32 sumsUOfBoth = {};
+	Lanes32 sumsVOfBoth = {};
+	for (int i = range.first; i < range.end; i += 2)
 	{
-		const float share = params.blockWeight[i] * params.fitWeight[i] * kScale;
-		const float u = (8 - params.modulation[i]) * share;
-		const float v = params.modulation[i] * share;
-		uu += u * u;
-		uv += u * v;
-		vv += v * v;
-		for (int c = 0; c < 4; ++c)
-		{
-			residualU[c] += u * params.fitWeight[i] * params.residual[i][c];
-			residualV[c] += v * params.fitWeight[i] * params.residual[i][c];
-		}
+		const Lanes16 u = broadcastPair(&params.influenceA[i]);
+		const Lanes16 v = broadcastPair(&params.influenceB[i]);
+		const Lanes16 residuals = interleaveHalves(loadLanes(params.residual[i].data()));
+		sumsU = sumsU + sumsOfProducts(u, residuals);
+		sumsV = sumsV + sumsOfProducts(v, residuals);
+		const Lanes16 both = interleavePairs(u, v);
+		sumsUOfBoth = sumsUOfBoth + sumsOfProducts(u, both);
+		sumsVOfBoth = sumsVOfBoth + sumsOfProducts(v, both);
 	}
-	NormalSums sums = {uu, uv, vv, {}, {}};
+	std::array<std::array<std::uint32_t, 4>, 4> sums;
+	storeLanes(sums[0].data(), sumsU);
+	storeLanes(sums[1].data(), sumsV);
+	storeLanes(sums[2].data(), sumsUOfBoth);
+	storeLanes(sums[3].data(), sumsVOfBoth);
+
+	constexpr double kUnit = 1.0 / 512;
+	const auto scaled = [](std::uint32_t sum, double unit)
+	{
+		return unit * static_cast<std::int32_t>(sum);
+	};
+	NormalSums result;
+	result.uu = scaled(sums[2][0], kUnit * kUnit);
+	result.uv = scaled(sums[2][1], kUnit * kUnit);
+	result.vv = scaled(sums[3][1], kUnit * kUnit);
 	for (int c = 0; c < 4; ++c)
 	{
-		sums.u[c] = residualU[c];
-		sums.v[c] = residualV[c];
+		result.u[c] = scaled(sums[0][c], kUnit);
+		result.v[c] = scaled(sums[1][c], kUnit);
 	}
-	return sums;
+	return result;
 }
 
 /// The inverse of the normal matrix: a for A alone, c for B alone, b between them.
@@ -78,7 +89,7 @@ NormalInverse invert(NormalSums& sums)
 		sums.uu = sums.uv = 0;
 	}
 
-	// Exact in a double, so that pixels of one weight are found collinear and not nearly so.
+	// Without rounding, so that pixels of one weight are found collinear and not nearly so.
 	const double determinant = sums.vv * sums.uu - sums.uv * sums.uv;
 	if (determinant > 0)
 	{

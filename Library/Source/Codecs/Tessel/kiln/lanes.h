@@ -31,6 +31,17 @@ inline Lanes16 loadLanes(const KilnShorts& values)
 {
 	return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(values.data()))};
 }
+inline Lanes16 loadLanes(const std::int16_t* values)
+{
+	return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(values))};
+}
+/// Two neighbouring values four times.
+inline Lanes16 broadcastPair(const std::int16_t* values)
+{
+	std::int32_t both = 0;
+	std::memcpy(&both, values, sizeof(both));
+	return {_mm_set1_epi32(both)};
+}
 inline void storeLanes(std::uint16_t* out, Lanes16 a)
 {
 	_mm_storeu_si128(reinterpret_cast<__m128i*>(out), a.v);
@@ -79,6 +90,25 @@ inline Lanes16 repeatUpper(Lanes16 a)
 {
 	return {_mm_unpackhi_epi64(a.v, a.v)};
 }
+inline Lanes32 operator+(Lanes32 a, Lanes32 b)
+{
+	return {_mm_add_epi32(a.v, b.v)};
+}
+/// Lanes 0, 4, 1, 5, 2, 6, 3, 7.
+inline Lanes16 interleaveHalves(Lanes16 a)
+{
+	return {_mm_unpacklo_epi16(a.v, _mm_unpackhi_epi64(a.v, a.v))};
+}
+/// Lanes 0 and 1 of a, then of b, then 2 and 3 of a and of b.
+inline Lanes16 interleavePairs(Lanes16 a, Lanes16 b)
+{
+	return {_mm_unpacklo_epi32(a.v, b.v)};
+}
+/// The sums of the products (of signed numbers) of neighbouring lanes 2n and 2n + 1.
+inline Lanes32 sumsOfProducts(Lanes16 a, Lanes16 b)
+{
+	return {_mm_madd_epi16(a.v, b.v)};
+}
 /// The sums of the squares (of signed numbers) of lanes 0 to 3 and 4 to 7 of a, then of b.
 inline Lanes32 sumsOfSquares(Lanes16 a, Lanes16 b)
 {
@@ -115,6 +145,15 @@ Lanes16 eachLane(Function function)
 inline Lanes16 loadLanes(const KilnShorts& values)
 {
 	return {values};
+}
+inline Lanes16 loadLanes(const std::int16_t* values)
+{
+	return eachLane([values](unsigned i) { return values[i]; });
+}
+/// Two neighbouring values four times.
+inline Lanes16 broadcastPair(const std::int16_t* values)
+{
+	return eachLane([values](unsigned i) { return values[i & 1]; });
 }
 inline void storeLanes(std::uint16_t* out, const Lanes16& a)
 {
@@ -163,6 +202,36 @@ inline Lanes16 repeatLower(const Lanes16& a)
 inline Lanes16 repeatUpper(const Lanes16& a)
 {
 	return eachLane([&](unsigned i) { return a.v[4 + (i & 3)]; });
+}
+inline Lanes32 operator+(const Lanes32& a, const Lanes32& b)
+{
+	Lanes32 result = {};
+	for (unsigned i = 0; i < 4; ++i)
+	{
+		result.v[i] = a.v[i] + b.v[i];
+	}
+	return result;
+}
+/// Lanes 0, 4, 1, 5, 2, 6, 3, 7.
+inline Lanes16 interleaveHalves(const Lanes16& a)
+{
+	return eachLane([&](unsigned i) { return a.v[i / 2 + 4 * (i & 1)]; });
+}
+/// Lanes 0 and 1 of a, then of b, then 2 and 3 of a and of b.
+inline Lanes16 interleavePairs(const Lanes16& a, const Lanes16& b)
+{
+	return eachLane([&](unsigned i) { return ((i & 2) == 0 ? a : b).v[2 * (i / 4) + (i & 1)]; });
+}
+/// The sums of the products (of signed numbers) of neighbouring lanes 2n and 2n + 1.
+inline Lanes32 sumsOfProducts(const Lanes16& a, const Lanes16& b)
+{
+	Lanes32 result = {};
+	for (unsigned i = 0; i < 8; ++i)
+	{
+		const int product = static_cast<std::int16_t>(a.v[i]) * static_cast<std::int16_t>(b.v[i]);
+		result.v[i / 2] += static_cast<std::uint32_t>(product);
+	}
+	return result;
 }
 /// The sums of the squares (of signed numbers) of lanes 0 to 3 and 4 to 7 of a, then of b.
 inline Lanes32 sumsOfSquares(const Lanes16& a, const Lanes16& b)
