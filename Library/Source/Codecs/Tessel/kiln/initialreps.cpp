@@ -243,14 +243,14 @@ void copySlot(KilnBlock& block, int mode, int from)
 }
 
 /// The pair of a mode that starts from the pixels of one of the weight sets.
-KilnPair pickPair(const KilnSettings& settings, const BlockWindow& window, const KilnBlock& block, bool skipTransparent,
-                  const WindowWeights& weights, const OrientedBBox& box)
+KilnPair pickPair(const KilnSettings& settings, const BlockWindow& window, const KilnBlock& block, const WindowWeights& weights,
+                  const OrientedBBox& box)
 {
 	if (block.singleColour)
 	{
 		return MapToRepresentableColoursInt(settings.tessel2, block.colour, block.colour);
 	}
-	return PickRepsByProjectingPixelsOntoAxis(settings, skipTransparent, window.pixels.data(), weights.data(), box.axes[0]);
+	return PickRepsByProjectingPixelsOntoAxis(settings, window.pixels.data(), weights.data(), box.axes[0]);
 }
 
 void setStart(const KilnSettings& settings, const BlockWindow& window, KilnBlock& block, int mode)
@@ -260,7 +260,7 @@ void setStart(const KilnSettings& settings, const BlockWindow& window, KilnBlock
 	{
 	case kKilnStandard:
 	case kKilnDirect:
-		setSlot(block, mode, larger, pickPair(settings, window, block, true, window.weights[0], larger));
+		setSlot(block, mode, larger, pickPair(settings, window, block, window.weights[0], larger));
 		break;
 	case kKilnPunchThrough:
 		if (!window.hasAlphaZero)
@@ -274,13 +274,13 @@ void setStart(const KilnSettings& settings, const BlockWindow& window, KilnBlock
 			{
 				weights[i] = window.pixels[i][3] == 0 ? 0 : weights[i];
 			}
-			const bool skipTransparent = settings.tessel2 || block.alphaAtExtremes;
-			setSlot(block, mode, larger, pickPair(settings, window, block, skipTransparent, weights, larger));
+			// The larger box may owe its size to the transparent pixels.
+			setSlot(block, mode, block.boxes[1], pickPair(settings, window, block, weights, block.boxes[1]));
 		}
 		break;
 	case kKilnHard:
 	case kKilnDirectHard:
-		setSlot(block, mode, block.boxes[2], pickPair(settings, window, block, true, window.weights[2], block.boxes[2]));
+		setSlot(block, mode, block.boxes[2], pickPair(settings, window, block, window.weights[2], block.boxes[2]));
 		break;
 	case kKilnHardPalette:
 		setSlot(block, mode, block.boxes[2], pickPalettePair(settings, window, block));

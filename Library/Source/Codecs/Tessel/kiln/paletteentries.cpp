@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "KilnNumerics.h"
 #include "representable.h"
 
 const std::array<std::uint8_t, kKilnWindow4Bpp> PalettePixels4bpp = {
@@ -109,9 +110,20 @@ bool moveToMean(PaletteEntry& entry)
 	return changed;
 }
 
-/// The pixels at the ends of the main axis; one entry when they are alike, none when the mask is empty.
-std::vector<PaletteEntry> firstEntries(const OrientedBBox& box, const KilnColour* window, const std::uint8_t* mask)
+/// The pixels at the ends of their main axis; one entry when they are alike, none when the mask is empty.
+std::vector<PaletteEntry> firstEntries(const KilnColour* window, const std::uint8_t* mask)
 {
+	CovarSum sum;
+	for (int i = 0; i < kKilnWindow4Bpp; ++i)
+	{
+		if (mask[i] != 0)
+		{
+			UpdateCovarSumI(sum, window[i].data(), 1);
+		}
+	}
+	KilnVector axis;
+	CovarSumToPrincipalVector(sum, CovarSumMeans(sum), axis);
+
 	int lowest = -1;
 	int highest = -1;
 	float minimum = 0;
@@ -125,7 +137,7 @@ std::vector<PaletteEntry> firstEntries(const OrientedBBox& box, const KilnColour
 		float place = 0;
 		for (int c = 0; c < 4; ++c)
 		{
-			place += box.axes[0][c] * static_cast<float>(window[i][c]);
+			place += axis[c] * static_cast<float>(window[i][c]);
 		}
 		if (lowest < 0 || place < minimum)
 		{
@@ -158,7 +170,11 @@ std::vector<KilnColour> GeneratePaletteEntries(const KilnBlock& block, const Kil
 	{
 		std::exit(0);
 	}
-	std::vector<PaletteEntry> entries = firstEntries(block.boxes[2], window, mask);
+	if (block.singleColour)
+	{
+		return {SnapToRepresentable(block.colour)};
+	}
+	std::vector<PaletteEntry> entries = firstEntries(window, mask);
 	const int rounds = 2 * maxEntries + 1;
 	for (int round = 0; round < rounds && !entries.empty(); ++round)
 	{

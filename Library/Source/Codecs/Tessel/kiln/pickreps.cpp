@@ -1,7 +1,9 @@
 #include "pickreps.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
+#include <utility>
 
 #include "representable.h"
 
@@ -45,6 +47,8 @@ struct Ends
 struct Partition
 {
 	std::array<RunSums, 4> runs;
+	/// Where the second run and those after it begin.
+	std::array<int, 3> boundaries;
 
 	Partition(const KilnPixelInfo* pixels, int count, const Ends& ends)
 	{
@@ -58,6 +62,7 @@ struct Partition
 			const KilnPixelInfo* end = std::partition_point(
 			    pixels + begin, pixels + count, [threshold](const KilnPixelInfo& pixel) { return pixel.projection < threshold; });
 			begin = static_cast<int>(end - pixels);
+			boundaries[i] = begin;
 			const RunSums sums = sumsBefore(pixels, begin);
 			runs[i] = difference(sums, before);
 			before = sums;
@@ -117,6 +122,68 @@ struct Partition
 	}
 };
 
+/// The partitions that were met so far. One of them leads where it led before, so that a start that comes upon it is given up.
+class VisitedPartitions
+{
+public:
+	/// @return whether this is the first time (or there is no more room to tell).
+	bool insert(const std::array<int, 3>& boundaries)
+	{
+		constexpr std::size_t kMask = kSlots - 1;
+		// No boundary is above 153; never 0.
+		const std::uint32_t key = 1 + static_cast<std::uint32_t>(boundaries[0] | (boundaries[1] << 8) | (boundaries[2] << 16));
+		std::size_t slot = (key * 2654435761U) >> 24;
+		for (; m_keys[slot & kMask] != 0; ++slot)
+		{
+			if (m_keys[slot & kMask] == key)
+			{
+				return false;
+			}
+		}
+		if (m_count < kSlots / 2)
+		{
+			m_keys[slot & kMask] = key;
+			++m_count;
+		}
+		return true;
+	}
+
+private:
+	static constexpr std::size_t kSlots = 256;
+	std::array<std::uint32_t, kSlots> m_keys = {};
+	std::size_t m_count = 0;
+};
+
+/// @param visited  when not null, gives the start up with an error beyond all others once it comes upon a partition in there.
+double improvePartition(const KilnPixelInfo* pixels, int count, float& low, float& high, VisitedPartitions* visited)
+{
+	if (count == 1 || low == high)
+	{
+		return 0;
+	}
+	Ends ends = {low, high};
+	std::array<int, 3> last = {-1, -1, -1};
+	for (;;)
+	{
+		const Partition partition(pixels, count, ends);
+		if (visited != nullptr && partition.boundaries != last && !visited->insert(partition.boundaries))
+		{
+			return DBL_MAX;
+		}
+		last = partition.boundaries;
+		const double error = partition.error(ends);
+		const Ends fitted = partition.fitEnds(ends, pixels[0].projection, pixels[count - 1].projection);
+		// The error falls with every round, so that rounds end.
+		if (!(partition.error(fitted) < error))
+		{
+			low = ends.low;
+			high = ends.high;
+			return error / pixels[count - 1].weightSum;
+		}
+		ends = fitted;
+	}
+}
+
 int OrderPixelInfo(const void* a, const void* b)
 {
 	const float first = static_cast<const KilnPixelInfo*>(a)->projection;
@@ -125,13 +192,12 @@ int OrderPixelInfo(const void* a, const void* b)
 }
 
 /// Lists the pixels that count, sorted along the axis, with their sums.
-int listPixels(const KilnSettings& settings, bool skipTransparent, const KilnColour* window, const float* weights, const KilnVector& axis,
-               PixelInfos& pixels)
+int listPixels(const KilnSettings& settings, const KilnColour* window, const float* weights, const KilnVector& axis, PixelInfos& pixels)
 {
 	int count = 0;
 	for (int i = 0; i < settings.windowPixels(); ++i)
 	{
-		if (weights[i] == 0 || (skipTransparent && settings.bpp == 4 && isTransparentPixel(settings.tessel2, window[i])))
+		if (weights[i] == 0 || (settings.bpp == 4 && isTransparentPixel(settings.tessel2, window[i])))
 		{
 			continue;
 		}
@@ -189,7 +255,8 @@ Ends outerMeans(const PixelInfos& pixels, int count)
 Ends findEnds(const PixelInfos& pixels, int count)
 {
 	Ends best = outerMeans(pixels, count);
-	double bestError = ImprovePartition(pixels.data(), count, best.low, best.high);
+	VisitedPartitions visited;
+	double bestError = improvePartition(pixels.data(), count, best.low, best.high, &visited);
 	const float minimum = pixels[0].projection;
 	const float maximum = pixels[count - 1].projection;
 	const auto start = [minimum, maximum](int step)
@@ -201,7 +268,7 @@ Ends findEnds(const PixelInfos& pixels, int count)
 		for (int highStep = lowStep + 1; highStep < kStartSteps; ++highStep)
 		{
 			Ends ends = {start(lowStep), start(highStep)};
-			const double error = ends.low < ends.high ? ImprovePartition(pixels.data(), count, ends.low, ends.high) : bestError;
+			const double error = ends.low < ends.high ? improvePartition(pixels.data(), count, ends.low, ends.high, &visited) : bestError;
 			if (error < bestError)
 			{
 				best = ends;
@@ -252,32 +319,14 @@ bool isTransparentPixel(bool tessel2, const KilnColour& pixel)
 
 double ImprovePartition(const KilnPixelInfo* pixels, int count, float& low, float& high)
 {
-	if (count == 1 || low == high)
-	{
-		return 0;
-	}
-	Ends ends = {low, high};
-	for (;;)
-	{
-		const Partition partition(pixels, count, ends);
-		const double error = partition.error(ends);
-		const Ends fitted = partition.fitEnds(ends, pixels[0].projection, pixels[count - 1].projection);
-		// The error falls with every round, so that rounds end.
-		if (!(partition.error(fitted) < error))
-		{
-			low = ends.low;
-			high = ends.high;
-			return error / pixels[count - 1].weightSum;
-		}
-		ends = fitted;
-	}
+	return improvePartition(pixels, count, low, high, nullptr);
 }
 
-KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, bool skipTransparent, const KilnColour* window,
-                                            const float* weights, const KilnVector& axis)
+KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, const KilnColour* window, const float* weights,
+                                            const KilnVector& axis)
 {
 	PixelInfos pixels;
-	const int count = listPixels(settings, skipTransparent, window, weights, axis, pixels);
+	const int count = listPixels(settings, window, weights, axis, pixels);
 	KilnColourF a = {};
 	KilnColourF b = {};
 	if (count > 0)

@@ -26,10 +26,9 @@ double ImprovePartition(const KilnPixelInfo* pixels, int count, float& low, floa
 
 /// A pair that the block can hold, the darker and more transparent colour first: the mean colours at both ends of the best partition.
 /// Both are the same pixel if there is one only, and 0 if there is none.
-/// @param skipTransparent  leave out, at 4bpp, pixels of alpha 0 (in the second generation those of four zero bytes).
-/// @param weights          of the window's pixels; those of 0 do not count.
-KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, bool skipTransparent, const KilnColour* window,
-                                            const float* weights, const KilnVector& axis);
+/// @param weights  of the window's pixels; those of 0 do not count, nor do transparent pixels at 4bpp.
+KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, const KilnColour* window, const float* weights,
+                                            const KilnVector& axis);
 
 /// Whether a pixel counts as transparent: alpha 0, in the second generation with R, G and B 0.
 bool isTransparentPixel(bool tessel2, const KilnColour& pixel);

@@ -202,12 +202,15 @@ std::vector<bool> CreateColourSwappingRecommendations(int blocksX, int blocksY, 
 	}
 
 	std::vector<bool> swaps(static_cast<std::size_t>(blocks));
-	bool any = false;
 	for (int i = 0; i < blocks; ++i)
 	{
-		const bool swap = islands.isFlipped(i);
-		swaps[static_cast<std::size_t>(i)] = swap;
-		any = any || swap;
+		swaps[static_cast<std::size_t>(i)] = islands.isFlipped(i);
 	}
-	return any ? swaps : std::vector<bool>();
+	// All blocks are one island by now. Swapped as a whole it would be as continuous, but some pairs lose by it.
+	const auto count = std::count(swaps.begin(), swaps.end(), true);
+	if (2 * count > blocks)
+	{
+		swaps.flip();
+	}
+	return count == 0 || count == blocks ? std::vector<bool>() : swaps;
 }
