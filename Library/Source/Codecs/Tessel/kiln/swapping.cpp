@@ -3,26 +3,26 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
-#include <map>
 #include <utility>
 
 namespace
 {
-/// How far the colours of two blocks (or of the blocks along the border of two islands) are apart, A against A and B against B, or
-/// A against B.
+/// How far the colours of two blocks (or of all that touch along a border) are apart: A from A and B from B, or A from B.
 struct Distances
 {
 	std::int64_t straight = 0;
 	std::int64_t crossed = 0;
 };
 
+/// The border of two neighbouring blocks.
 struct Edge
 {
-	int first;
-	int second;
-	Distances distances;
+	int first = -1;
+	int second = -1;
+	int straight = 0;
+	int crossed = 0;
 	/// How clearly one of the two distances is the smaller.
-	float ratio;
+	float ratio = 0;
 };
 
 int squaredDistance(const KilnColour& a, const KilnColour& b)
@@ -53,78 +53,109 @@ Edge SetupEdge(int first, int second, const std::vector<KilnPair>& colours)
 	{
 		ratio = smaller > 0 ? static_cast<float>(larger) / static_cast<float>(smaller) : FLT_MAX;
 	}
-	return {first, second, {straight, crossed}, ratio};
+	return {first, second, straight, crossed, ratio};
 }
 
-bool CompareEdges(const Edge& a, const Edge& b)
+/// The blocks as a grid: for each the edge to the right and the edge below, without blocks where there is none.
+struct Grid
 {
-	return a.ratio > b.ratio;
-}
+	int width;
+	int height;
+	std::vector<Edge> edges;
 
-/// Blocks grouped into islands. A block's flip is relative to the block that its island is named after.
-class Islands
-{
-public:
-	Islands(int blocks, const std::vector<Edge>& edges) : m_blocks(static_cast<std::size_t>(blocks))
+	Grid(int blocksX, int blocksY, bool wrap, const std::vector<KilnPair>& colours)
+	    : width(blocksX), height(blocksY), edges(2 * colours.size())
 	{
-		for (int i = 0; i < blocks; ++i)
+		for (int y = 0; y < height; ++y)
 		{
-			at(i).parent = i;
-		}
-		for (const Edge& edge : edges)
-		{
-			addLink(edge.first, edge.second, edge.distances);
-		}
-	}
-
-	/// Joins the islands at both ends of an edge, the one of fewer links into the other, turned over if that makes it fit better
-	/// along the whole border.
-	void MergeIslandEdgeData(const Edge& edge)
-	{
-		int kept = find(edge.first).root;
-		int merged = find(edge.second).root;
-		if (kept == merged)
-		{
-			return;
-		}
-		if (at(kept).links.size() < at(merged).links.size())
-		{
-			std::swap(kept, merged);
-		}
-		const Distances border = at(kept).links.at(merged);
-		const bool turned = border.crossed < border.straight;
-		at(merged).parent = kept;
-		at(merged).flipped = turned;
-
-		const std::map<int, Distances> links = std::move(at(merged).links);
-		for (const auto& [other, distances] : links)
-		{
-			at(other).links.erase(merged);
-			if (other != kept)
+			for (int x = 0; x < width; ++x)
 			{
-				addLink(kept, other, turned ? Distances{distances.crossed, distances.straight} : distances);
+				const int block = y * width + x;
+				if (x + 1 < width || (wrap && width > 1))
+				{
+					rightOf(block) = SetupEdge(block, y * width + (x + 1) % width, colours);
+				}
+				if (y + 1 < height || (wrap && height > 1))
+				{
+					below(block) = SetupEdge(block, (y + 1) % height * width + x, colours);
+				}
 			}
 		}
 	}
 
+	/// The up to four edges of a block; some may lack blocks.
+	std::array<const Edge*, 4> edgesOf(int block)
+	{
+		const int x = block % width;
+		const int left = x > 0 ? block - 1 : block + width - 1;
+		const int above = block >= width ? block - width : block + (height - 1) * width;
+		return {&rightOf(block), &below(block), &rightOf(left), &below(above)};
+	}
+
+private:
+	Edge& rightOf(int block)
+	{
+		return edges[2 * static_cast<std::size_t>(block)];
+	}
+
+	Edge& below(int block)
+	{
+		return edges[2 * static_cast<std::size_t>(block) + 1];
+	}
+};
+
+/// Blocks grouped into islands, whose colours are meant to run on within.
+class Islands
+{
+public:
+	explicit Islands(Grid& grid) : m_grid(grid), m_blocks(static_cast<std::size_t>(grid.width) * static_cast<std::size_t>(grid.height))
+	{
+		for (std::size_t i = 0; i < m_blocks.size(); ++i)
+		{
+			m_blocks[i].island = m_blocks[i].next = static_cast<int>(i);
+		}
+	}
+
+	/// Joins the islands at both ends of an edge. The smaller one is turned over if that makes it fit better along the whole border.
+	void MergeIslandEdgeData(const Edge& edge)
+	{
+		int kept = at(edge.first).island;
+		int merged = at(edge.second).island;
+		if (kept == merged)
+		{
+			return;
+		}
+		if (at(kept).size < at(merged).size)
+		{
+			std::swap(kept, merged);
+		}
+		const Distances border = sumBorder(merged, kept);
+		const bool turned = border.crossed < border.straight;
+		forEachMember(merged,
+		              [&](Block& member)
+		              {
+			              member.island = kept;
+			              member.flipped = member.flipped != turned;
+		              });
+		// Exchanging a link of two rings makes them one.
+		std::swap(at(kept).next, at(merged).next);
+		at(kept).size += at(merged).size;
+	}
+
 	bool isFlipped(int block)
 	{
-		return find(block).flipped;
+		return at(block).flipped;
 	}
 
 private:
 	struct Block
 	{
-		int parent = 0;
+		/// Named after one of its blocks, which knows its size.
+		int island = 0;
+		int size = 1;
+		/// The next block of the island, in a ring.
+		int next = 0;
 		bool flipped = false;
-		/// Of the block that its island is named after: the neighbouring islands, by name.
-		std::map<int, Distances> links;
-	};
-
-	struct Place
-	{
-		int root;
-		bool flipped;
 	};
 
 	Block& at(int block)
@@ -132,75 +163,70 @@ private:
 		return m_blocks[static_cast<std::size_t>(block)];
 	}
 
-	void addLink(int first, int second, const Distances& distances)
+	template<typename Visit>
+	void forEachMember(int island, Visit&& visit)
 	{
-		for (const auto& [from, to] : {std::pair{first, second}, std::pair{second, first}})
+		int member = island;
+		do
 		{
-			Distances& sums = at(from).links[to];
-			sums.straight += distances.straight;
-			sums.crossed += distances.crossed;
-		}
+			visit(at(member));
+			member = at(member).next;
+		} while (member != island);
 	}
 
-	Place find(int block)
+	/// Sums the distances along the border of two islands, as their blocks stand now.
+	Distances sumBorder(int island, int other)
 	{
-		Place place = {block, false};
-		while (at(place.root).parent != place.root)
-		{
-			place.flipped = place.flipped != at(place.root).flipped;
-			place.root = at(place.root).parent;
-		}
-		// Shortens the way for the next time.
-		bool flipped = place.flipped;
-		while (block != place.root)
-		{
-			Block& passed = at(block);
-			const bool own = passed.flipped;
-			block = std::exchange(passed.parent, place.root);
-			passed.flipped = flipped;
-			flipped = flipped != own;
-		}
-		return place;
+		Distances sums;
+		forEachMember(island,
+		              [&](const Block& member)
+		              {
+			              const int block = static_cast<int>(&member - m_blocks.data());
+			              for (const Edge* edge : m_grid.edgesOf(block))
+			              {
+				              const int neighbour = edge->first == block ? edge->second : edge->first;
+				              if (neighbour >= 0 && at(neighbour).island == other)
+				              {
+					              const bool crosswise = member.flipped != at(neighbour).flipped;
+					              sums.straight += crosswise ? edge->crossed : edge->straight;
+					              sums.crossed += crosswise ? edge->straight : edge->crossed;
+				              }
+			              }
+		              });
+		return sums;
 	}
 
+	Grid& m_grid;
 	std::vector<Block> m_blocks;
 };
 
-/// To the right and below of every block.
-std::vector<Edge> edgesOf(int blocksX, int blocksY, bool wrap, const std::vector<KilnPair>& colours)
+/// The clearest edge first.
+bool CompareEdges(const Edge* a, const Edge* b)
 {
-	std::vector<Edge> edges;
-	edges.reserve(2 * colours.size());
-	for (int y = 0; y < blocksY; ++y)
-	{
-		for (int x = 0; x < blocksX; ++x)
-		{
-			const int block = y * blocksX + x;
-			if (x + 1 < blocksX || (wrap && blocksX > 1))
-			{
-				edges.push_back(SetupEdge(block, y * blocksX + (x + 1) % blocksX, colours));
-			}
-			if (y + 1 < blocksY || (wrap && blocksY > 1))
-			{
-				edges.push_back(SetupEdge(block, (y + 1) % blocksY * blocksX + x, colours));
-			}
-		}
-	}
-	return edges;
+	return a->ratio > b->ratio;
 }
 } // namespace
 
 std::vector<bool> CreateColourSwappingRecommendations(int blocksX, int blocksY, bool wrap, const std::vector<KilnPair>& colours)
 {
-	std::vector<Edge> edges = edgesOf(blocksX, blocksY, wrap, colours);
-	std::stable_sort(edges.begin(), edges.end(), CompareEdges);
-	const int blocks = blocksX * blocksY;
-	Islands islands(blocks, edges);
-	for (const Edge& edge : edges)
+	Grid grid(blocksX, blocksY, wrap, colours);
+	std::vector<const Edge*> order;
+	order.reserve(grid.edges.size());
+	for (const Edge& edge : grid.edges)
 	{
-		islands.MergeIslandEdgeData(edge);
+		if (edge.first >= 0)
+		{
+			order.push_back(&edge);
+		}
+	}
+	std::stable_sort(order.begin(), order.end(), CompareEdges);
+	Islands islands(grid);
+	for (const Edge* edge : order)
+	{
+		islands.MergeIslandEdgeData(*edge);
 	}
 
+	const int blocks = blocksX * blocksY;
 	std::vector<bool> swaps(static_cast<std::size_t>(blocks));
 	for (int i = 0; i < blocks; ++i)
 	{
