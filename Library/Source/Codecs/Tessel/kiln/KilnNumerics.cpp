@@ -230,13 +230,15 @@ void ComputeSortedEigenVecs(float* matrix, int n, float* eigenvaluesOut, float* 
 
 	JacobiState state = {matrix, size, vectorsOut, meanSize, share};
 	const float limit = kFloatEpsilon * meanSize;
-	for (float threshold = meanSize; threshold > limit; threshold *= 0.0625F)
+	float threshold = meanSize;
+	while (threshold > limit)
 	{
 		// With the mean below the threshold few elements are worth a rotation: a lower threshold finds more at once.
 		if (threshold <= state.meanSize)
 		{
 			state.sweep(threshold);
 		}
+		threshold *= 0.0625F;
 	}
 
 	for (std::size_t i = 0; i < size; ++i)

@@ -198,6 +198,7 @@ std::vector<KilnColour> GeneratePaletteEntries(const KilnBlock& block, const Kil
 	              entries.end());
 	std::stable_sort(entries.begin(), entries.end(), [](const PaletteEntry& a, const PaletteEntry& b) { return a.pixels < b.pixels; });
 	std::vector<KilnColour> colours;
+	colours.reserve(entries.size());
 	for (const PaletteEntry& entry : entries)
 	{
 		colours.push_back(entry.colour);
