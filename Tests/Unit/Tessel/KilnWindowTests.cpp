@@ -146,22 +146,3 @@ TEST(KilnWindow, PaletteEntriesAreTheColoursOfTheWindow)
 	}
 	EXPECT_EQ(entries().size(), 5U);
 }
-
-TEST(KilnWindow, ModeListsFollowRateGenerationAndInterpolation)
-{
-	const auto modesOf = [](int bpp, bool tessel2, bool useHard, int interpolation)
-	{
-		KilnSettings settings = settingsOf(bpp);
-		settings.tessel2 = tessel2;
-		KilnBlock block;
-		block.preferredInterpolation = interpolation;
-		std::array<int, kKilnModeSlots> modes;
-		const int count = ConstructListOfNeededModes(settings, block, useHard, modes);
-		return std::vector<int>(modes.begin(), modes.begin() + count);
-	};
-	EXPECT_EQ(modesOf(4, false, true, 0), (std::vector<int>{0, 1}));
-	EXPECT_EQ(modesOf(4, true, true, 0), (std::vector<int>{0, 1, 2, 3}));
-	EXPECT_EQ(modesOf(2, true, false, 0), (std::vector<int>{8, 9, 10, 11}));
-	EXPECT_EQ(modesOf(2, true, true, 0), (std::vector<int>{8, 9, 10, 11, 12, 13, 14, 15}));
-	EXPECT_EQ(modesOf(2, true, true, 2), (std::vector<int>{8, 10, 12, 14}));
-}
