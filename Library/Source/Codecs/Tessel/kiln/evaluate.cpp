@@ -4,6 +4,33 @@
 
 namespace
 {
+/// An entry behind the window, which fills up the last group of four pixels and costs nothing.
+constexpr int kNoPixel = kKilnWindow4Bpp;
+constexpr int kOwnPixels = 16;
+/// The pixels within the rim, those of the block's own area first, in groups of four.
+constexpr int kOrderedPixels = 52;
+
+constexpr std::array<std::uint8_t, kOrderedPixels> makeOrder()
+{
+	std::array<std::uint8_t, kOrderedPixels> order = {};
+	unsigned own = 0;
+	unsigned outer = kOwnPixels;
+	for (unsigned y = 1; y < 8; ++y)
+	{
+		for (unsigned x = 1; x < 8; ++x)
+		{
+			const bool isOwn = x >= 2 && x < 6 && y >= 2 && y < 6;
+			order[isOwn ? own++ : outer++] = static_cast<std::uint8_t>(9 * y + x);
+		}
+	}
+	for (; outer < kOrderedPixels; ++outer)
+	{
+		order[outer] = kNoPixel;
+	}
+	return order;
+}
+constexpr std::array<std::uint8_t, kOrderedPixels> kOrder = makeOrder();
+
 /// The candidates of a palette pixel, with the block's own colours where they belong.
 KilnCandidateLanes paletteCandidates(const KilnWindowModel& model, int pixel, const KilnPair& pair)
 {
@@ -16,7 +43,7 @@ KilnCandidateLanes paletteCandidates(const KilnWindowModel& model, int pixel, co
 		{
 			colour = record.paletteMixes[i] == 0 ? pair.a : pair.b;
 		}
-		const unsigned place = kKilnCostPlace[i];
+		const unsigned place = kKilnLanePlace[i];
 		for (unsigned c = 0; c < 4; ++c)
 		{
 			lanes[place / 2][4 * (place & 1) + c] = colour[c];
@@ -25,47 +52,76 @@ KilnCandidateLanes paletteCandidates(const KilnWindowModel& model, int pixel, co
 	return {loadLanes(lanes[0]), loadLanes(lanes[1])};
 }
 
-void costPixel(const KilnWindowModel& model, int pixel, const KilnPair& pair, Lanes16 pairLanes, KilnPixelCosts& costs)
+/// What the candidates 0, 3, 1 and 2 of a pixel cost.
+Lanes32 costPixel(const KilnWindowModel& model, int pixel, const KilnPair& pair, Lanes16 pairLanes, KilnResiduals& residuals)
 {
 	const KilnPixelModel& entry = model.pixels[pixel];
-	const KilnCandidateLanes candidates =
-	    entry.localPalette ? paletteCandidates(model, pixel, pair)
-	                       : kilnMixCandidates(kilnUpscaledPlanes(entry, pairLanes), entry.punchThrough, model.records->tessel2);
-	kilnMeasureCandidates(entry, loadLanes(entry.target), candidates, costs);
+	const Lanes16 target = loadLanes(entry.target);
+	const KilnPixelKind kind = model.kinds[pixel];
+	if (kind == kKilnStandardPixel)
+	{
+		return kilnMeasure(entry, target, kilnMixCandidates(kilnUpscaledPlanes(entry, pairLanes)), residuals);
+	}
+	if (kind == kKilnPalettePixel)
+	{
+		return kilnMeasure(entry, target, paletteCandidates(model, pixel, pair), residuals);
+	}
+	const Lanes16 planes = kilnUpscaledPlanes(entry, pairLanes);
+	Lanes32 errors = kilnMeasure(entry, target, kilnMixPunchThrough(planes, model.records->tessel2), residuals);
+	return kind == kKilnFreePunchThroughPixel ? clearLast(errors) : errors;
 }
 
 /// Notes the choice of a pixel for the fit.
-void recordPixel(const KilnWindowModel& model, int pixel, const KilnPixelCosts& costs, int index, KilnFittingParams& params)
+void recordPixel(const KilnWindowModel& model, int pixel, int index, const KilnResiduals& residuals, KilnFittingParams& params)
 {
-	const KilnPixelModel& entry = model.pixels[pixel];
-	const KilnBlendRecord& record = model.records->pixels[pixel];
-	unsigned weight = record.candidateWeights[index];
-	unsigned blockWeight = entry.punchThrough && index == kKilnPunchThroughIndex ? 0 : entry.blockWeight;
-	if (entry.localPalette)
+	constexpr std::array<std::uint8_t, 4> kStandardWeights = {0, 3, 5, 8};
+	constexpr std::array<std::uint8_t, 4> kPunchThroughWeights = {0, 4, 4, 8};
+	int weight = kStandardWeights[index];
+	int share = model.pixels[pixel].blockWeight[0];
+	const KilnPixelKind kind = model.kinds[pixel];
+	if (kind == kKilnPalettePixel)
 	{
+		const KilnBlendRecord& record = model.records->pixels[pixel];
 		weight = record.paletteMixes[index];
-		blockWeight = record.paletteWeights[index] == kKilnFullWeight ? kKilnFullWeight : 0;
+		share = record.paletteWeights[index] == kKilnFullWeight ? kKilnFullWeight : 0;
 	}
-	const std::array<std::uint16_t, 4>& decoded = costs.colours[kKilnCostPlace[index]];
-	for (int c = 0; c < 4; ++c)
+	else if (kind != kKilnStandardPixel)
 	{
-		params.residual[pixel][c] = static_cast<std::int16_t>(entry.target[c] - decoded[c]);
+		weight = kPunchThroughWeights[index];
+		share = index == kKilnPunchThroughIndex ? 0 : share;
 	}
-	params.influenceA[pixel] = static_cast<std::int16_t>(blockWeight * (8 - weight));
-	params.influenceB[pixel] = static_cast<std::int16_t>(blockWeight * weight);
+	params.residual[pixel] = residuals[kKilnLanePlace[index]];
+	params.influenceA[pixel] = static_cast<std::int16_t>(share * (8 - weight));
+	params.influenceB[pixel] = static_cast<std::int16_t>(share * weight);
 	params.results[pixel] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(weight)};
 }
 
-void addError(KilnErrors& errors, std::uint8_t pixelClass, std::uint32_t error)
+/// Lets four pixels of the order take their best candidates.
+/// @return their errors.
+Lanes32 evaluateFour(const KilnWindowModel& model, int first, const KilnPair& pair, Lanes16 pairLanes, KilnFittingParams& params)
 {
-	(pixelClass == kKilnOwn ? errors.own : errors.outer) += error;
+	std::array<Lanes32, 4> errors;
+	alignas(16) std::array<KilnResiduals, 4> residuals;
+	for (int i = 0; i < 4; ++i)
+	{
+		errors[i] = costPixel(model, kOrder[first + i], pair, pairLanes, residuals[i]);
+	}
+	const LaneChoices choices = chooseOfFour(errors);
+	std::array<std::uint32_t, 4> indices;
+	storeLanes(indices.data(), choices.indices);
+	for (int i = 0; i < 4; ++i)
+	{
+		recordPixel(model, kOrder[first + i], static_cast<int>(indices[i]), residuals[i], params);
+	}
+	return choices.errors;
 }
 
 void evaluateRegions(const KilnWindowModel& model, const KilnPair& pair, const KilnRegions& regions, KilnFittingParams& params,
                      KilnErrors& errors)
 {
 	const Lanes16 pairLanes = kilnPairLanes(pair);
-	std::array<KilnPixelCosts, kKilnWindow4Bpp> costs;
+	std::array<std::array<std::uint32_t, 4>, kKilnWindow4Bpp> costs;
+	alignas(16) std::array<KilnResiduals, kKilnWindow4Bpp> residuals;
 	int first = 0;
 	while (first < kKilnWindow4Bpp)
 	{
@@ -75,12 +131,12 @@ void evaluateRegions(const KilnWindowModel& model, const KilnPair& pair, const K
 		for (; end < kKilnWindow4Bpp && regions.map[regions.order[end]] == region; ++end)
 		{
 			const int pixel = regions.order[end];
-			if (model.pixels[pixel].pixelClass != kKilnRim)
+			if (model.records->pixels[pixel].pixelClass != kKilnRim)
 			{
-				costPixel(model, pixel, pair, pairLanes, costs[pixel]);
+				storeLanes(costs[pixel].data(), costPixel(model, pixel, pair, pairLanes, residuals[pixel]));
 				for (int i = 0; i < 4; ++i)
 				{
-					sums[i] += costs[pixel].errors[kKilnCostPlace[i]];
+					sums[i] += costs[pixel][kKilnLanePlace[i]];
 				}
 			}
 		}
@@ -88,11 +144,11 @@ void evaluateRegions(const KilnWindowModel& model, const KilnPair& pair, const K
 		for (; first < end; ++first)
 		{
 			const int pixel = regions.order[first];
-			const std::uint8_t pixelClass = model.pixels[pixel].pixelClass;
+			const std::uint8_t pixelClass = model.records->pixels[pixel].pixelClass;
 			if (pixelClass != kKilnRim)
 			{
-				addError(errors, pixelClass, costs[pixel].errors[kKilnCostPlace[index]]);
-				recordPixel(model, pixel, costs[pixel], index, params);
+				(pixelClass == kKilnOwn ? errors.own : errors.outer) += costs[pixel][kKilnLanePlace[index]];
+				recordPixel(model, pixel, index, residuals[pixel], params);
 			}
 		}
 	}
@@ -101,78 +157,30 @@ void evaluateRegions(const KilnWindowModel& model, const KilnPair& pair, const K
 
 void InitialisePackedFittingParams(KilnFittingParams& params)
 {
-	params.influenceA.fill(0);
-	params.influenceB.fill(0);
-	params.residual.fill({});
-	params.results.fill({});
+	params = {};
 }
 
-void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours, bool withRim,
-                        KilnWindowModel& model)
+std::uint64_t kilnRimError4Bpp(const KilnWindowModel& model)
 {
-	const int pixelCount = records.bpp == 4 ? kKilnWindow4Bpp : kKilnMaxWindow;
-	model.records = &records;
-	// Without the block itself the sums are those of the others.
-	constexpr int kCentre = 4;
-	std::array<KilnShorts, 9> pairs;
-	for (int i = 0; i < 9; ++i)
-	{
-		storeLanes(pairs[i].data(), i == kCentre ? broadcastLanes(0) : kilnPairLanes(colours[i]));
-	}
-	constexpr std::array<int, 4> kGroupOffsets = {0, 1, 3, 4};
-	for (int pixel = 0; pixel < pixelCount; ++pixel)
-	{
-		const KilnBlendRecord& record = records.pixels[pixel];
-		KilnPixelModel& entry = model.pixels[pixel];
-		Lanes16 around = broadcastLanes(0);
-		for (int i = 0; i < 4; ++i)
-		{
-			around = around + broadcastLanes(record.colourWeights[i]) * loadLanes(pairs[kGroupOffsets[record.quadrant] + kGroupOffsets[i]]);
-		}
-		storeLanes(entry.around.data(), around);
-		const std::uint16_t factor = static_cast<std::uint16_t>(kilnAlphaFactor(window[pixel]));
-		for (unsigned c = 0; c < 8; ++c)
-		{
-			entry.target[c] = window[pixel][c & 3];
-			entry.scale[c] = (c & 3) == 3 ? factor : 1;
-		}
-		entry.blockWeight = record.blockWeight;
-		entry.pixelClass = record.pixelClass;
-		entry.punchThrough = record.punchThrough;
-		entry.freePunchThrough = record.punchThrough && window[pixel][3] == 0;
-		entry.localPalette = record.localPalette;
-		entry.endsOnly = record.endsOnly;
-		entry.storeClass = record.storeClass;
-		if (record.localPalette)
-		{
-			for (int i = 0; i < 4; ++i)
-			{
-				model.palette[pixel][i] = kilnPaletteColour(record, i, colours);
-			}
-		}
-	}
-
-	model.rimError = 0;
-	if (!withRim || records.bpp != 4)
-	{
-		return;
-	}
 	const KilnPair none = {};
+	std::uint64_t sum = 0;
 	for (int pixel = 0; pixel < kKilnWindow4Bpp; ++pixel)
 	{
-		if (model.pixels[pixel].pixelClass == kKilnRim)
+		if (model.records->pixels[pixel].pixelClass == kKilnRim)
 		{
-			KilnPixelCosts costs;
-			costPixel(model, pixel, none, kilnPairLanes(none), costs);
-			model.rimError += costs.errors[kKilnCostPlace[kilnChoose(costs, false)]];
+			KilnResiduals residuals;
+			std::array<std::uint32_t, 4> costs;
+			storeLanes(costs.data(), costPixel(model, pixel, none, kilnPairLanes(none), residuals));
+			const int index = kilnChooseCandidate({costs[0], costs[2], costs[3], costs[1]}, false);
+			sum += costs[kKilnLanePlace[index]];
 		}
 	}
+	return sum;
 }
 
 void EvalAllCandsAndGetErrors4BPP(const KilnWindowModel& model, const KilnPair& pair, const KilnRegions* regions, std::uint64_t limit,
                                   KilnFittingParams& params, KilnErrors& errors)
 {
-	constexpr int kSide = 9;
 	errors = {};
 	errors.rim = model.rimError;
 	if (regions != nullptr)
@@ -182,18 +190,22 @@ void EvalAllCandsAndGetErrors4BPP(const KilnWindowModel& model, const KilnPair& 
 		return;
 	}
 	const Lanes16 pairLanes = kilnPairLanes(pair);
-	errors.total = errors.rim;
-	for (int y = 1; y < kSide - 1 && errors.total < limit; ++y)
+	Lanes32 own = zeroLanes();
+	for (int first = 0; first < kOwnPixels; first += 4)
 	{
-		for (int x = 1; x < kSide - 1; ++x)
-		{
-			const int pixel = kSide * y + x;
-			KilnPixelCosts costs;
-			costPixel(model, pixel, pair, pairLanes, costs);
-			const int index = kilnChoose(costs, false);
-			addError(errors, model.pixels[pixel].pixelClass, costs.errors[kKilnCostPlace[index]]);
-			recordPixel(model, pixel, costs, index, params);
-		}
-		errors.total = errors.own + errors.outer + errors.rim;
+		own = own + evaluateFour(model, first, pair, pairLanes, params);
 	}
+	errors.own = sumOfLanes(own);
+	errors.total = errors.own + errors.rim;
+	if (errors.total >= limit)
+	{
+		return;
+	}
+	Lanes32 outer = zeroLanes();
+	for (int first = kOwnPixels; first < kOrderedPixels; first += 4)
+	{
+		outer = outer + evaluateFour(model, first, pair, pairLanes, params);
+	}
+	errors.outer = sumOfLanes(outer);
+	errors.total += errors.outer;
 }

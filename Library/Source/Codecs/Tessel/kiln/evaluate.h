@@ -46,23 +46,48 @@ struct KilnFittingParams
 /// Everything to 0.
 void InitialisePackedFittingParams(KilnFittingParams& params);
 
-/// A pixel of a window model. The lanes are the channels of A and then of B.
+/// A pixel of a window model. Eight numbers are the channels of A and then of B, or those of the pixel twice.
 struct alignas(64) KilnPixelModel
 {
 	/// What the other eight blocks give, times their shares.
 	std::array<std::uint16_t, 8> around;
-	/// The pixel, twice.
+	/// The share of the block itself.
+	std::array<std::uint16_t, 8> blockWeight;
+	/// The pixel.
 	std::array<std::uint16_t, 8> target;
-	/// How much a difference counts, twice: 1, and kilnAlphaFactor for alpha.
+	/// How much a difference counts: 1, and kilnAlphaFactor for alpha.
 	std::array<std::uint16_t, 8> scale;
-	std::uint16_t blockWeight;
-	std::uint8_t pixelClass;
-	bool punchThrough;
+};
+
+/// How a 4bpp pixel takes its candidates.
+enum KilnPixelKind : std::uint8_t
+{
+	kKilnStandardPixel,
+	kKilnPunchThroughPixel,
 	/// Punch-through over a transparent pixel, which costs nothing.
-	bool freePunchThrough;
-	bool localPalette;
+	kKilnFreePunchThroughPixel,
+	kKilnPalettePixel
+};
+
+/// A 2bpp pixel that has an index.
+struct KilnStoredPixel
+{
+	std::uint8_t pixel;
 	bool endsOnly;
-	std::uint8_t storeClass;
+	/// How many pixels that are left out read it, so that it is chosen again; 0 for pixels of direct blocks.
+	std::uint8_t contributions;
+};
+
+/// A 2bpp pixel that is left out.
+struct KilnLeftOutPixel
+{
+	std::uint8_t pixel;
+	/// The pixels whose mean is its weight, horizontal or vertical ones twice where there are only those.
+	std::array<std::uint8_t, 4> reads;
+	/// Which stored pixels make up for it: kNone for none.
+	std::array<std::uint8_t, 4> gives;
+
+	static constexpr std::uint8_t kNone = kKilnMaxWindow;
 };
 
 /// A window as one mode of its block sees it, with all that stays as it is while the block's own pair moves. Prepared once, then
@@ -71,16 +96,28 @@ struct KilnWindowModel
 {
 	const KilnBlendRecords* records = nullptr;
 	std::array<KilnPixelModel, kKilnMaxWindow> pixels;
+
+	// At 4bpp. An entry behind the window counts for nothing.
+	std::array<KilnPixelKind, kKilnWindow4Bpp + 1> kinds;
 	/// Of a palette pixel, the colours to choose from; those of the block itself are filled in by an evaluation.
 	std::array<std::array<KilnColour, 4>, kKilnWindow4Bpp> palette;
 	/// The error of the rim, which no pair of the block can move; 0 if it is not to be counted.
 	std::uint64_t rimError = 0;
+
+	// At 2bpp.
+	int storedCount = 0;
+	int leftOutCount = 0;
+	std::array<KilnStoredPixel, kKilnMaxWindow> stored;
+	std::array<KilnLeftOutPixel, kKilnMaxWindow> leftOut;
 };
 
 /// @param colours  of the nine blocks; that of the block itself is not used.
 /// @param withRim  count the rim of the window too; at 4bpp only.
 void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours, bool withRim,
                         KilnWindowModel& model);
+
+/// The least error of the rim of a 4bpp window.
+std::uint64_t kilnRimError4Bpp(const KilnWindowModel& model);
 
 /// Evaluates the window of a 4bpp block under a pair of its own: every pixel takes its best candidate.
 /// @param regions  when not null, the pixels of a flat region take one index together (see analygrapprop.h).

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -12,113 +11,115 @@ constexpr int kHeight = 9;
 
 /// The weight in eighths of an index; those above 3 are the middle values that interpolation can reach.
 constexpr std::array<std::uint8_t, 8> StdWeightMapU8 = {0, 3, 5, 8, 1, 2, 6, 7};
-/// For n contributions, 1 / (2 * n).
-constexpr std::array<float, 5> Recips2N = {1e10F, 0.5F, 0.25F, 1.0F / 6.0F, 0.125F};
+
+/// Lanes of A's and B's shares at each weight.
+constexpr std::array<KilnShorts, 9> makeMixWeights()
+{
+	std::array<KilnShorts, 9> weights = {};
+	for (unsigned weight = 0; weight < 9; ++weight)
+	{
+		for (unsigned c = 0; c < 8; ++c)
+		{
+			weights[weight][c] = static_cast<std::uint16_t>(c < 4 ? 8 - weight : weight);
+		}
+	}
+	return weights;
+}
+constexpr std::array<KilnShorts, 9> kMixWeights = makeMixWeights();
+
+/// Division of a sum of residuals by twice the number of contributions, rounding down: (sum + kBias) * factor >> 16, less kBias
+/// divided likewise. A sum reaches 4 * 255 either way.
+constexpr std::uint16_t kBias = 1536;
+struct Division
+{
+	std::uint16_t factor;
+	std::uint16_t bias;
+};
+constexpr std::array<Division, 5> kDivisions = {{{0, 0}, {32768, 768}, {16384, 384}, {10923, 256}, {8192, 192}}};
 
 struct Scratch
 {
 	std::array<KilnShorts, kKilnMaxWindow> planes;
-	std::array<KilnPixelCosts, kKilnMaxWindow> costs;
 	std::array<std::uint8_t, kKilnMaxWindow> indices;
 	std::array<std::uint8_t, kKilnMaxWindow> weights;
-	/// What the pixels that are left out lack, gathered at the neighbours that they read.
-	std::array<std::array<int, 4>, kKilnMaxWindow> residuals;
-	std::array<std::uint8_t, kKilnMaxWindow> contributions;
+	/// What the pixels that are left out lack, gathered at those that they read; the last entry takes what none is to have.
+	std::array<KilnShorts, kKilnMaxWindow + 1> lacking;
 };
 
-bool isLeftOut(const KilnPixelModel& pixel)
+/// Pixel less the mix of its planes at a weight, in lanes 0 to 3.
+Lanes16 residualAt(const KilnPixelModel& pixel, Lanes16 planes, int weight)
 {
-	return pixel.storeClass >= kKilnLeftOut;
+	return loadLanes(pixel.target) - shiftRight<3>(addHalves(planes * loadLanes(kMixWeights[weight])));
 }
 
-KilnCandidateLanes candidatesAt(const KilnWindowModel& model, const Scratch& scratch, int pixel)
+/// Chooses for a stored pixel against a target.
+void choose(const KilnWindowModel& model, const KilnStoredPixel& stored, Lanes16 target, Scratch& scratch)
 {
-	return kilnMixCandidates(loadLanes(scratch.planes[pixel]), false, model.records->tessel2);
-}
-
-/// Pixel less the mix of its planes at a weight.
-std::array<int, 4> residualAt(const KilnPixelModel& pixel, const KilnShorts& planes, int weight)
-{
-	std::array<int, 4> residual;
-	for (unsigned c = 0; c < 4; ++c)
-	{
-		residual[c] = pixel.target[c] - ((planes[c] * (8 - weight) + planes[4 + c] * weight) >> 3);
-	}
-	return residual;
-}
-
-void choose(Scratch& scratch, int pixel, int index)
-{
+	const int pixel = stored.pixel;
+	const KilnCandidateLanes candidates = kilnMixCandidates(loadLanes(scratch.planes[pixel]));
+	const Lanes16 scale = loadLanes(model.pixels[pixel].scale);
+	std::array<std::uint32_t, 4> errors;
+	storeLanes(errors.data(), sumsOfSquares((target - candidates.ends) * scale, (target - candidates.middles) * scale));
+	const int index = kilnChooseCandidate({errors[0], errors[2], errors[3], errors[1]}, stored.endsOnly);
 	scratch.indices[pixel] = static_cast<std::uint8_t>(index);
 	scratch.weights[pixel] = StdWeightMapU8[index];
 }
 
-void contribute(Scratch& scratch, int neighbour, const std::array<int, 4>& residual)
+int leftOutWeight(const KilnLeftOutPixel& pixel, const Scratch& scratch)
 {
-	for (int c = 0; c < 4; ++c)
-	{
-		scratch.residuals[neighbour][c] += residual[c];
-	}
-	++scratch.contributions[neighbour];
+	const auto& weights = scratch.weights;
+	return (weights[pixel.reads[0]] + weights[pixel.reads[1]] + weights[pixel.reads[2]] + weights[pixel.reads[3]] + 2) >> 2;
 }
 
-/// Gives the residual of a pixel that is left out to every neighbour that it reads.
-void spreadResidual(const KilnWindowModel& model, Scratch& scratch, int row, int column)
+/// Chooses again for stored pixels, against targets that make up for what the pixels between them lack.
+void feedBack(const KilnWindowModel& model, Scratch& scratch)
 {
-	const int pixel = kWidth * row + column;
-	const int storeClass = model.pixels[pixel].storeClass;
-	const int weight = ComputeInterpolatedModVal(storeClass, row, column, scratch.weights.data());
-	const std::array<int, 4> residual = residualAt(model.pixels[pixel], scratch.planes[pixel], weight);
-	if (storeClass != kKilnLeftOutVertical)
+	scratch.lacking.fill({});
+	for (int i = 0; i < model.leftOutCount; ++i)
 	{
-		if (column > 0)
+		const KilnLeftOutPixel& leftOut = model.leftOut[i];
+		const Lanes16 residual =
+		    residualAt(model.pixels[leftOut.pixel], loadLanes(scratch.planes[leftOut.pixel]), leftOutWeight(leftOut, scratch));
+		for (const std::uint8_t receiver : leftOut.gives)
 		{
-			contribute(scratch, pixel - 1, residual);
-		}
-		if (column < kWidth - 1)
-		{
-			contribute(scratch, pixel + 1, residual);
+			storeLanes(scratch.lacking[receiver].data(), loadLanes(scratch.lacking[receiver]) + residual);
 		}
 	}
-	if (storeClass != kKilnLeftOutHorizontal)
+	const Lanes16 black = broadcastLanes(0);
+	const Lanes16 white = broadcastLanes(255);
+	for (int i = 0; i < model.storedCount; ++i)
 	{
-		if (row > 0)
+		const KilnStoredPixel& stored = model.stored[i];
+		if (stored.contributions > 0)
 		{
-			contribute(scratch, pixel - kWidth, residual);
-		}
-		if (row < kHeight - 1)
-		{
-			contribute(scratch, pixel + kWidth, residual);
+			const Division& division = kDivisions[stored.contributions];
+			const Lanes16 biased = loadLanes(scratch.lacking[stored.pixel]) + broadcastLanes(kBias);
+			const Lanes16 mean = multiplyHigh(biased, broadcastLanes(division.factor)) - broadcastLanes(division.bias);
+			const Lanes16 target = clampLanes(loadLanes(model.pixels[stored.pixel].target) + mean, black, white);
+			choose(model, stored, repeatLower(target), scratch);
 		}
 	}
 }
 
-/// Chooses again for a stored pixel, against a target that makes up for what its neighbours lack. The cost of a choice stays what it
-/// is against the pixel.
-void chooseAgain(const KilnWindowModel& model, Scratch& scratch, int pixel)
+/// Notes the pixels of a part of a row for the fit.
+/// @return the sums of their errors.
+Lanes32 recordPixels(const KilnWindowModel& model, const Scratch& scratch, int first, int end, KilnFittingParams& params)
 {
-	const KilnPixelModel& entry = model.pixels[pixel];
-	KilnShorts target;
-	for (unsigned c = 0; c < 4; ++c)
+	Lanes32 errors = zeroLanes();
+	for (int pixel = first; pixel < end; ++pixel)
 	{
-		const float moved =
-		    static_cast<float>(entry.target[c]) + static_cast<float>(scratch.residuals[pixel][c]) * Recips2N[scratch.contributions[pixel]];
-		target[c] = target[4 + c] = static_cast<std::uint16_t>(std::clamp(moved, 0.0F, 255.0F));
+		const KilnPixelModel& entry = model.pixels[pixel];
+		const int weight = scratch.weights[pixel];
+		const Lanes16 residual = residualAt(entry, loadLanes(scratch.planes[pixel]), weight);
+		const Lanes16 scaled = repeatLower(residual * loadLanes(entry.scale));
+		errors = errors + sumsOfProducts(scaled, scaled);
+		storeLower(params.residual[pixel].data(), residual);
+		const int share = entry.blockWeight[0];
+		params.influenceA[pixel] = static_cast<std::int16_t>(share * (8 - weight));
+		params.influenceB[pixel] = static_cast<std::int16_t>(share * weight);
+		params.results[pixel] = {scratch.indices[pixel], static_cast<std::uint8_t>(weight)};
 	}
-	KilnPixelCosts costs;
-	kilnMeasureCandidates(entry, loadLanes(target), candidatesAt(model, scratch, pixel), costs);
-	choose(scratch, pixel, kilnChoose(costs, entry.endsOnly));
-}
-
-std::uint32_t errorOf(const KilnPixelModel& pixel, const std::array<int, 4>& residual)
-{
-	std::uint32_t error = 0;
-	for (unsigned c = 0; c < 4; ++c)
-	{
-		const int scaled = residual[c] * pixel.scale[c];
-		error += static_cast<std::uint32_t>(scaled * scaled);
-	}
-	return error;
+	return errors;
 }
 } // namespace
 
@@ -148,69 +149,40 @@ int ComputeInterpolatedModVal(int storeClass, int row, int column, const std::ui
 
 void EvalAllCandsAndGetErrors2BPP(const KilnWindowModel& model, const KilnPair& pair, KilnFittingParams& params, KilnErrors& errors)
 {
-	errors = {};
 	Scratch scratch;
-	scratch.residuals.fill({});
-	scratch.contributions.fill(0);
 	const Lanes16 pairLanes = kilnPairLanes(pair);
-	bool anyLeftOut = false;
 	for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
 	{
-		const KilnPixelModel& entry = model.pixels[pixel];
-		storeLanes(scratch.planes[pixel].data(), kilnUpscaledPlanes(entry, pairLanes));
-		if (isLeftOut(entry))
-		{
-			anyLeftOut = true;
-			continue;
-		}
-		kilnMeasureCandidates(entry, loadLanes(entry.target), candidatesAt(model, scratch, pixel), scratch.costs[pixel]);
-		choose(scratch, pixel, kilnChoose(scratch.costs[pixel], entry.endsOnly));
+		storeLanes(scratch.planes[pixel].data(), kilnUpscaledPlanes(model.pixels[pixel], pairLanes));
 	}
-	if (anyLeftOut)
+	scratch.indices.fill(0);
+	for (int i = 0; i < model.storedCount; ++i)
 	{
-		for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
-		{
-			if (isLeftOut(model.pixels[pixel]))
-			{
-				spreadResidual(model, scratch, pixel / kWidth, pixel % kWidth);
-			}
-		}
-		for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
-		{
-			if (model.pixels[pixel].storeClass == kKilnStored && scratch.contributions[pixel] > 0)
-			{
-				chooseAgain(model, scratch, pixel);
-			}
-		}
+		choose(model, model.stored[i], loadLanes(model.pixels[model.stored[i].pixel].target), scratch);
+	}
+	if (model.leftOutCount > 0)
+	{
+		feedBack(model, scratch);
+	}
+	for (int i = 0; i < model.leftOutCount; ++i)
+	{
+		scratch.weights[model.leftOut[i].pixel] = static_cast<std::uint8_t>(leftOutWeight(model.leftOut[i], scratch));
 	}
 
-	for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
+	// Own pixels lie within 4 to 11 of rows 2 to 5.
+	errors = {};
+	for (int y = 1; y < kHeight - 1; ++y)
 	{
-		const KilnPixelModel& entry = model.pixels[pixel];
-		if (entry.pixelClass == kKilnRim)
-		{
-			continue;
-		}
-		int index = 0;
-		int weight = 0;
-		if (isLeftOut(entry))
-		{
-			weight = ComputeInterpolatedModVal(entry.storeClass, pixel / kWidth, pixel % kWidth, scratch.weights.data());
-		}
-		else
-		{
-			index = scratch.indices[pixel];
-			weight = scratch.weights[pixel];
-		}
-		const std::array<int, 4> residual = residualAt(entry, scratch.planes[pixel], weight);
-		(entry.pixelClass == kKilnOwn ? errors.own : errors.outer) += errorOf(entry, residual);
-		for (int c = 0; c < 4; ++c)
-		{
-			params.residual[pixel][c] = static_cast<std::int16_t>(residual[c]);
-		}
-		params.influenceA[pixel] = static_cast<std::int16_t>(entry.blockWeight * (8 - weight));
-		params.influenceB[pixel] = static_cast<std::int16_t>(entry.blockWeight * weight);
-		params.results[pixel] = {static_cast<std::uint8_t>(index), static_cast<std::uint8_t>(weight)};
+		const int row = kWidth * y;
+		const bool ownRow = y >= 2 && y < 6;
+		const int ownFirst = row + (ownRow ? 4 : kWidth - 1);
+		const int ownEnd = row + (ownRow ? 12 : kWidth - 1);
+		const Lanes32 left = recordPixels(model, scratch, row + 1, ownFirst, params);
+		errors.own += sumOfLanes(recordPixels(model, scratch, ownFirst, ownEnd, params));
+		errors.outer += sumOfLanes(left + recordPixels(model, scratch, ownEnd, row + kWidth - 1, params));
 	}
+	// Every lane pair was counted twice.
+	errors.own /= 2;
+	errors.outer /= 2;
 	errors.total = errors.own + errors.outer;
 }

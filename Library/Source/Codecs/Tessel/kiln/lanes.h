@@ -2,6 +2,7 @@
 /// Eight 16-bit and four 32-bit integers side by side: what the block model needs of a vector unit, with a plain twin.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -50,6 +51,11 @@ inline void storeLanes(std::uint32_t* out, Lanes32 a)
 {
 	_mm_storeu_si128(reinterpret_cast<__m128i*>(out), a.v);
 }
+/// Lanes 0 to 3.
+inline void storeLower(std::uint16_t* out, Lanes16 a)
+{
+	_mm_storel_epi64(reinterpret_cast<__m128i*>(out), a.v);
+}
 inline Lanes16 broadcastLanes(std::uint16_t value)
 {
 	return {_mm_set1_epi16(static_cast<short>(value))};
@@ -65,6 +71,16 @@ inline Lanes16 operator-(Lanes16 a, Lanes16 b)
 inline Lanes16 operator&(Lanes16 a, Lanes16 b)
 {
 	return {_mm_and_si128(a.v, b.v)};
+}
+/// Lanes as signed numbers, held within limits.
+inline Lanes16 clampLanes(Lanes16 a, Lanes16 low, Lanes16 high)
+{
+	return {_mm_min_epi16(_mm_max_epi16(a.v, low.v), high.v)};
+}
+/// Lanes i and i + 4 added, in lanes 0 to 3; the others are of no use.
+inline Lanes16 addHalves(Lanes16 a)
+{
+	return {_mm_add_epi16(a.v, _mm_srli_si128(a.v, 8))};
 }
 /// The low halves of the products.
 inline Lanes16 operator*(Lanes16 a, Lanes16 b)
@@ -118,6 +134,49 @@ inline Lanes32 sumsOfSquares(Lanes16 a, Lanes16 b)
 	const __m128i odd = _mm_castps_si128(_mm_shuffle_ps(squaresA, squaresB, _MM_SHUFFLE(3, 1, 3, 1)));
 	return {_mm_add_epi32(even, odd)};
 }
+inline Lanes32 zeroLanes()
+{
+	return {_mm_setzero_si128()};
+}
+/// Lane 3 set to 0.
+inline Lanes32 clearLast(Lanes32 a)
+{
+	return {_mm_and_si128(a.v, _mm_setr_epi32(-1, -1, -1, 0))};
+}
+
+/// For each of four pixels the smallest error by the rule of a choice, and the candidate 0 to 3 that has it.
+struct LaneChoices
+{
+	Lanes32 errors;
+	Lanes32 indices;
+};
+
+/// @param errors  of each pixel, its candidates 0, 3, 1, 2; below 2^31.
+inline LaneChoices chooseOfFour(const std::array<Lanes32, 4>& errors)
+{
+	const auto select = [](__m128i mask, __m128i yes, __m128i no)
+	{
+		return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
+	};
+	const __m128i low01 = _mm_unpacklo_epi32(errors[0].v, errors[1].v);
+	const __m128i low23 = _mm_unpacklo_epi32(errors[2].v, errors[3].v);
+	const __m128i high01 = _mm_unpackhi_epi32(errors[0].v, errors[1].v);
+	const __m128i high23 = _mm_unpackhi_epi32(errors[2].v, errors[3].v);
+	const __m128i error0 = _mm_unpacklo_epi64(low01, low23);
+	const __m128i error3 = _mm_unpackhi_epi64(low01, low23);
+	const __m128i error1 = _mm_unpacklo_epi64(high01, high23);
+	const __m128i error2 = _mm_unpackhi_epi64(high01, high23);
+
+	const __m128i upperEnd = _mm_cmpgt_epi32(error0, error3);
+	const __m128i end = select(upperEnd, error3, error0);
+	const __m128i lowerMiddle = _mm_cmplt_epi32(error1, error2);
+	const __m128i middle = select(lowerMiddle, error1, error2);
+	const __m128i takeEnd = _mm_cmpgt_epi32(middle, end);
+	// A mask is -1.
+	const __m128i endIndex = _mm_and_si128(upperEnd, _mm_set1_epi32(3));
+	const __m128i middleIndex = _mm_add_epi32(lowerMiddle, _mm_set1_epi32(2));
+	return {{select(takeEnd, end, middle)}, {select(takeEnd, endIndex, middleIndex)}};
+}
 
 #else
 
@@ -163,6 +222,11 @@ inline void storeLanes(std::uint32_t* out, const Lanes32& a)
 {
 	std::memcpy(out, a.v.data(), sizeof(a.v));
 }
+/// Lanes 0 to 3.
+inline void storeLower(std::uint16_t* out, const Lanes16& a)
+{
+	std::memcpy(out, a.v.data(), sizeof(a.v) / 2);
+}
 inline Lanes16 broadcastLanes(std::uint16_t value)
 {
 	return eachLane([value](unsigned) { return value; });
@@ -178,6 +242,20 @@ inline Lanes16 operator-(const Lanes16& a, const Lanes16& b)
 inline Lanes16 operator&(const Lanes16& a, const Lanes16& b)
 {
 	return eachLane([&](unsigned i) { return a.v[i] & b.v[i]; });
+}
+/// Lanes as signed numbers, held within limits.
+inline Lanes16 clampLanes(const Lanes16& a, const Lanes16& low, const Lanes16& high)
+{
+	const auto number = [](std::uint16_t lane)
+	{
+		return static_cast<std::int16_t>(lane);
+	};
+	return eachLane([&](unsigned i) { return std::min(std::max(number(a.v[i]), number(low.v[i])), number(high.v[i])); });
+}
+/// Lanes i and i + 4 added, in lanes 0 to 3; the others are of no use.
+inline Lanes16 addHalves(const Lanes16& a)
+{
+	return eachLane([&](unsigned i) { return a.v[i] + (i < 4 ? a.v[i + 4] : 0); });
 }
 /// The low halves of the products.
 inline Lanes16 operator*(const Lanes16& a, const Lanes16& b)
@@ -250,4 +328,52 @@ inline Lanes32 sumsOfSquares(const Lanes16& a, const Lanes16& b)
 	return result;
 }
 
+inline Lanes32 zeroLanes()
+{
+	return {};
+}
+/// Lane 3 set to 0.
+inline Lanes32 clearLast(const Lanes32& a)
+{
+	return {{a.v[0], a.v[1], a.v[2], 0}};
+}
+
+/// For each of four pixels the smallest error by the rule of a choice, and the candidate 0 to 3 that has it.
+struct LaneChoices
+{
+	Lanes32 errors;
+	Lanes32 indices;
+};
+
+/// @param errors  of each pixel, its candidates 0, 3, 1, 2; below 2^31.
+inline LaneChoices chooseOfFour(const std::array<Lanes32, 4>& errors)
+{
+	LaneChoices choices;
+	for (unsigned i = 0; i < 4; ++i)
+	{
+		const std::array<std::uint32_t, 4>& e = errors[i].v;
+		const std::uint32_t end = std::min(e[0], e[1]);
+		const std::uint32_t middle = std::min(e[2], e[3]);
+		const bool takeEnd = middle > end;
+		choices.errors.v[i] = takeEnd ? end : middle;
+		choices.indices.v[i] = takeEnd ? (e[0] > e[1] ? 3 : 0) : (e[2] < e[3] ? 1 : 2);
+	}
+	return choices;
+}
+
 #endif
+
+inline void storeLower(std::int16_t* out, const Lanes16& a)
+{
+	std::memcpy(out, &a, sizeof(a) / 2);
+}
+inline void storeLanes(std::int16_t* out, const Lanes16& a)
+{
+	std::memcpy(out, &a, sizeof(a));
+}
+inline std::uint64_t sumOfLanes(const Lanes32& a)
+{
+	std::array<std::uint32_t, 4> lanes;
+	storeLanes(lanes.data(), a);
+	return std::uint64_t{lanes[0]} + lanes[1] + lanes[2] + lanes[3];
+}
