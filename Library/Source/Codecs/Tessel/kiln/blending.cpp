@@ -16,16 +16,18 @@ namespace
 constexpr std::array<std::uint8_t, 4> kStandardWeights = {0, 3, 5, 8};
 constexpr std::array<std::uint8_t, 4> kPunchThroughWeights = {0, 4, 4, 8};
 
+constexpr int kWindowHeight = 2 * kKilnBlockHeight + 1;
+
 /// The class of a pixel by its place in the window.
-std::uint8_t pixelClassAt(int x, int y, const KilnSettings& settings)
+std::uint8_t pixelClassAt(int x, int y, int blockWidth)
 {
-	if (x == 0 || y == 0 || x == settings.windowWidth - 1 || y == settings.windowHeight - 1)
+	if (x == 0 || y == 0 || x == 2 * blockWidth || y == kWindowHeight - 1)
 	{
 		return kKilnRim;
 	}
-	const int left = settings.blockWidth / 2;
-	const int top = settings.blockHeight / 2;
-	const bool own = x >= left && x < left + settings.blockWidth && y >= top && y < top + settings.blockHeight;
+	const int left = blockWidth / 2;
+	const int top = kKilnBlockHeight / 2;
+	const bool own = x >= left && x < left + blockWidth && y >= top && y < top + kKilnBlockHeight;
 	return own ? kKilnOwn : kKilnOuter;
 }
 
@@ -66,6 +68,81 @@ void setPalette(KilnBlendRecord& record, int pixel)
 		}
 	}
 }
+/// The record of a pixel whose P is hard or not, and whose own block has the given mode.
+KilnBlendRecord makeRecord(int bpp, int x, int y, bool hard, int mode)
+{
+	const bool is2Bpp = bpp == 2;
+	const int blockWidth = is2Bpp ? 8 : 4;
+	const int quadrant = 2 * std::min(y / kKilnBlockHeight, 1) + std::min(x / blockWidth, 1);
+	KilnBlendRecord record;
+	record.pixelClass = pixelClassAt(x, y, blockWidth);
+	record.hard = hard;
+	record.quadrant = static_cast<std::uint8_t>(quadrant);
+
+	const std::uint8_t* linear = is2Bpp ? LinWeights8xU8.data() : LinWeights4xU8.data();
+	const std::uint8_t* hem = is2Bpp ? HemWeights8xU8.data() : HemWeights4xU8.data();
+	const unsigned a = (hard ? hem : linear)[x];
+	const unsigned b = (hard ? HemWeights4xU8 : LinWeights4xU8)[y];
+	record.colourWeights = {static_cast<std::uint8_t>((8 - a) * (8 - b)), static_cast<std::uint8_t>(a * (8 - b)),
+	                        static_cast<std::uint8_t>((8 - a) * b), static_cast<std::uint8_t>(a * b)};
+	record.blockWeight = record.colourWeights[3 - quadrant];
+
+	record.candidateWeights = kStandardWeights;
+	if (is2Bpp)
+	{
+		setStoreClass(record, mode, x, y);
+	}
+	else if ((mode & 1) != 0 && !hard)
+	{
+		record.punchThrough = true;
+		record.candidateWeights = kPunchThroughWeights;
+	}
+	else if ((mode & 1) != 0 && ((x & 3) != 0 || (y & 3) != 0))
+	{
+		setPalette(record, 9 * y + x);
+	}
+	return record;
+}
+
+/// Every record that a rate has: by the pixel, by whether its P is hard, and by the modulation of its block.
+struct RecordTable
+{
+	int windowWidth;
+	/// Among the nine blocks, P of the pixel's group and the block in which it lies.
+	std::array<std::uint8_t, kKilnMaxWindow> blockOfP;
+	std::array<std::uint8_t, kKilnMaxWindow> ownBlock;
+	std::array<std::array<std::array<KilnBlendRecord, 4>, 2>, kKilnMaxWindow> records;
+
+	explicit RecordTable(int bpp)
+	{
+		const int blockWidth = bpp == 4 ? 4 : 8;
+		windowWidth = 2 * blockWidth + 1;
+		int pixel = 0;
+		for (int y = 0; y < kWindowHeight; ++y)
+		{
+			for (int x = 0; x < windowWidth; ++x, ++pixel)
+			{
+				// The last row and column lie on the centres of blocks: their P is that block, while their weights give it all as R
+				// or Q.
+				blockOfP[pixel] = static_cast<std::uint8_t>(3 * (y / kKilnBlockHeight) + x / blockWidth);
+				ownBlock[pixel] =
+				    static_cast<std::uint8_t>(3 * ((y + kKilnBlockHeight / 2) / kKilnBlockHeight) + (x + blockWidth / 2) / blockWidth);
+				for (int mode = 0; mode < 4; ++mode)
+				{
+					records[pixel][0][mode] = makeRecord(bpp, x, y, false, mode);
+					records[pixel][1][mode] = makeRecord(bpp, x, y, true, mode);
+				}
+			}
+		}
+	}
+};
+
+const RecordTable& recordTable(int bpp)
+{
+	static const RecordTable kTable4Bpp(4);
+	static const RecordTable kTable2Bpp(2);
+	return bpp == 4 ? kTable4Bpp : kTable2Bpp;
+}
 } // namespace
 
 void CreateBlendingAndUpdateWeights(const KilnNeighbourModes& modes, int hardVariant, const KilnSettings& settings,
@@ -76,7 +153,6 @@ void CreateBlendingAndUpdateWeights(const KilnNeighbourModes& modes, int hardVar
 		std::fputs("Exiting! 1bpp not yet implemented (CreateBlendingAndUpdateWeights)\n", stderr);
 		std::abort();
 	}
-	const bool is2Bpp = settings.bpp == 2;
 	records.bpp = settings.bpp;
 	records.tessel2 = settings.tessel2;
 
@@ -92,54 +168,10 @@ void CreateBlendingAndUpdateWeights(const KilnNeighbourModes& modes, int hardVar
 		hardBlocks[kFlipped[bit]] ^= ((hardVariant >> bit) & 1) != 0;
 	}
 
-	const std::uint8_t* linear = is2Bpp ? LinWeights8xU8.data() : LinWeights4xU8.data();
-	const std::uint8_t* hem = is2Bpp ? HemWeights8xU8.data() : HemWeights4xU8.data();
-	int pixel = 0;
-	for (int y = 0; y < settings.windowHeight; ++y)
+	const RecordTable& table = recordTable(settings.bpp);
+	const int pixelCount = table.windowWidth * kWindowHeight;
+	for (int pixel = 0; pixel < pixelCount; ++pixel)
 	{
-		// The last row and column lie on the centres of blocks: their P is that block, while their weights give it all as R or Q.
-		const int rowOfP = y / settings.blockHeight;
-		const int rowOfBlock = (y + settings.blockHeight / 2) / settings.blockHeight;
-		for (int x = 0; x < settings.windowWidth; ++x, ++pixel)
-		{
-			const int columnOfP = x / settings.blockWidth;
-			const int columnOfBlock = (x + settings.blockWidth / 2) / settings.blockWidth;
-			const int mode = modes[3 * rowOfBlock + columnOfBlock];
-			const int quadrant = 2 * std::min(rowOfP, 1) + std::min(columnOfP, 1);
-
-			KilnBlendRecord& record = records.pixels[pixel];
-			record = {};
-			record.pixelClass = pixelClassAt(x, y, settings);
-			record.hard = hardBlocks[3 * rowOfP + columnOfP];
-			record.quadrant = static_cast<std::uint8_t>(quadrant);
-
-			const std::uint8_t* alongX = record.hard ? hem : linear;
-			const std::uint8_t* alongY = record.hard ? HemWeights4xU8.data() : LinWeights4xU8.data();
-			const unsigned a = alongX[x];
-			const unsigned b = alongY[y];
-			record.colourWeights = {static_cast<std::uint8_t>((8 - a) * (8 - b)), static_cast<std::uint8_t>(a * (8 - b)),
-			                        static_cast<std::uint8_t>((8 - a) * b), static_cast<std::uint8_t>(a * b)};
-			record.blockWeight = record.colourWeights[3 - quadrant];
-
-			record.candidateWeights = kStandardWeights;
-			if (is2Bpp)
-			{
-				setStoreClass(record, mode, x, y);
-				continue;
-			}
-			if ((mode & 1) == 0)
-			{
-				continue;
-			}
-			if (!record.hard)
-			{
-				record.punchThrough = true;
-				record.candidateWeights = kPunchThroughWeights;
-			}
-			else if ((x & 3) != 0 || (y & 3) != 0)
-			{
-				setPalette(record, pixel);
-			}
-		}
+		records.pixels[pixel] = table.records[pixel][hardBlocks[table.blockOfP[pixel]] ? 1 : 0][modes[table.ownBlock[pixel]] & 3];
 	}
 }

@@ -37,7 +37,7 @@ constexpr std::uint8_t kKilnFullWeight = 64;
 /// The candidate that is transparent in punch-through blocks.
 constexpr int kKilnPunchThroughIndex = 2;
 
-struct KilnBlendRecord
+struct alignas(32) KilnBlendRecord
 {
 	/// A KilnPixelClass.
 	std::uint8_t pixelClass = kKilnRim;

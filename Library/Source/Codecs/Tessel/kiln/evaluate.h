@@ -59,6 +59,15 @@ struct alignas(64) KilnPixelModel
 	std::array<std::uint16_t, 8> scale;
 };
 
+/// The colours of a palette pixel at candidates 0 and 3, then 1 and 2: fixed ones of other blocks, and where those of the block itself
+/// belong.
+struct KilnPaletteModel
+{
+	std::array<std::array<std::uint16_t, 8>, 2> fixed;
+	std::array<std::array<std::uint16_t, 8>, 2> maskA;
+	std::array<std::array<std::uint16_t, 8>, 2> maskB;
+};
+
 /// How a 4bpp pixel takes its candidates.
 enum KilnPixelKind : std::uint8_t
 {
@@ -74,8 +83,10 @@ struct KilnStoredPixel
 {
 	std::uint8_t pixel;
 	bool endsOnly;
-	/// How many pixels that are left out read it, so that it is chosen again; 0 for pixels of direct blocks.
-	std::uint8_t contributions;
+	/// The pixels that are left out and read it, for which it makes up when it is chosen again; kKilnNoPixel for none. A pixel of a
+	/// direct block has none.
+	std::uint8_t readerCount;
+	std::array<std::uint8_t, 4> readers;
 };
 
 /// A 2bpp pixel that is left out.
@@ -84,11 +95,9 @@ struct KilnLeftOutPixel
 	std::uint8_t pixel;
 	/// The pixels whose mean is its weight, horizontal or vertical ones twice where there are only those.
 	std::array<std::uint8_t, 4> reads;
-	/// Which stored pixels make up for it: kNone for none.
-	std::array<std::uint8_t, 4> gives;
-
-	static constexpr std::uint8_t kNone = kKilnMaxWindow;
 };
+
+constexpr std::uint8_t kKilnNoPixel = kKilnMaxWindow;
 
 /// A window as one mode of its block sees it, with all that stays as it is while the block's own pair moves. Prepared once, then
 /// evaluated under any number of pairs. The records must outlive it.
@@ -99,15 +108,14 @@ struct KilnWindowModel
 
 	// At 4bpp. An entry behind the window counts for nothing.
 	std::array<KilnPixelKind, kKilnWindow4Bpp + 1> kinds;
-	/// Of a palette pixel, the colours to choose from; those of the block itself are filled in by an evaluation.
-	std::array<std::array<KilnColour, 4>, kKilnWindow4Bpp> palette;
+	std::array<KilnPaletteModel, kKilnWindow4Bpp> palette;
 	/// The error of the rim, which no pair of the block can move; 0 if it is not to be counted.
 	std::uint64_t rimError = 0;
 
-	// At 2bpp.
+	// At 2bpp. The stored pixels are filled up to a multiple of 4 by repeating the last.
 	int storedCount = 0;
 	int leftOutCount = 0;
-	std::array<KilnStoredPixel, kKilnMaxWindow> stored;
+	std::array<KilnStoredPixel, kKilnMaxWindow + 3> stored;
 	std::array<KilnLeftOutPixel, kKilnMaxWindow> leftOut;
 };
 

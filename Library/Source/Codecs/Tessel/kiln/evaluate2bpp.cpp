@@ -27,7 +27,7 @@ constexpr std::array<KilnShorts, 9> makeMixWeights()
 }
 constexpr std::array<KilnShorts, 9> kMixWeights = makeMixWeights();
 
-/// Division of a sum of residuals by twice the number of contributions, rounding down: (sum + kBias) * factor >> 16, less kBias
+/// Division of a sum of residuals by twice their number, rounding down: (sum + kBias) * factor >> 16, less kBias
 /// divided likewise. A sum reaches 4 * 255 either way.
 constexpr std::uint16_t kBias = 1536;
 struct Division
@@ -35,6 +35,7 @@ struct Division
 	std::uint16_t factor;
 	std::uint16_t bias;
 };
+/// By the number of residuals; without any the mean is 0.
 constexpr std::array<Division, 5> kDivisions = {{{0, 0}, {32768, 768}, {16384, 384}, {10923, 256}, {8192, 192}}};
 
 struct Scratch
@@ -42,7 +43,7 @@ struct Scratch
 	std::array<KilnShorts, kKilnMaxWindow> planes;
 	std::array<std::uint8_t, kKilnMaxWindow> indices;
 	std::array<std::uint8_t, kKilnMaxWindow> weights;
-	/// What the pixels that are left out lack, gathered at those that they read; the last entry takes what none is to have.
+	/// What the pixels that are left out lack; the last entry stays 0.
 	std::array<KilnShorts, kKilnMaxWindow + 1> lacking;
 };
 
@@ -52,17 +53,28 @@ Lanes16 residualAt(const KilnPixelModel& pixel, Lanes16 planes, int weight)
 	return loadLanes(pixel.target) - shiftRight<3>(addHalves(planes * loadLanes(kMixWeights[weight])));
 }
 
-/// Chooses for a stored pixel against a target.
-void choose(const KilnWindowModel& model, const KilnStoredPixel& stored, Lanes16 target, Scratch& scratch)
+/// Lets four stored pixels choose, each against its target.
+void chooseFour(const KilnWindowModel& model, const KilnStoredPixel* stored, const std::array<Lanes16, 4>& targets, Scratch& scratch)
 {
-	const int pixel = stored.pixel;
-	const KilnCandidateLanes candidates = kilnMixCandidates(loadLanes(scratch.planes[pixel]));
-	const Lanes16 scale = loadLanes(model.pixels[pixel].scale);
-	std::array<std::uint32_t, 4> errors;
-	storeLanes(errors.data(), sumsOfSquares((target - candidates.ends) * scale, (target - candidates.middles) * scale));
-	const int index = kilnChooseCandidate({errors[0], errors[2], errors[3], errors[1]}, stored.endsOnly);
-	scratch.indices[pixel] = static_cast<std::uint8_t>(index);
-	scratch.weights[pixel] = StdWeightMapU8[index];
+	std::array<Lanes32, 4> errors;
+	for (int i = 0; i < 4; ++i)
+	{
+		const int pixel = stored[i].pixel;
+		const KilnCandidateLanes candidates = kilnMixCandidates(loadLanes(scratch.planes[pixel]));
+		const Lanes16 scale = loadLanes(model.pixels[pixel].scale);
+		errors[i] = sumsOfSquares((targets[i] - candidates.ends) * scale, (targets[i] - candidates.middles) * scale);
+		if (stored[i].endsOnly)
+		{
+			errors[i] = forbidMiddles(errors[i]);
+		}
+	}
+	std::array<std::uint32_t, 4> indices;
+	storeLanes(indices.data(), chooseOfFour(errors).indices);
+	for (int i = 0; i < 4; ++i)
+	{
+		scratch.indices[stored[i].pixel] = static_cast<std::uint8_t>(indices[i]);
+		scratch.weights[stored[i].pixel] = StdWeightMapU8[indices[i]];
+	}
 }
 
 int leftOutWeight(const KilnLeftOutPixel& pixel, const Scratch& scratch)
@@ -74,30 +86,32 @@ int leftOutWeight(const KilnLeftOutPixel& pixel, const Scratch& scratch)
 /// Chooses again for stored pixels, against targets that make up for what the pixels between them lack.
 void feedBack(const KilnWindowModel& model, Scratch& scratch)
 {
-	scratch.lacking.fill({});
+	scratch.lacking[kKilnNoPixel] = {};
 	for (int i = 0; i < model.leftOutCount; ++i)
 	{
 		const KilnLeftOutPixel& leftOut = model.leftOut[i];
-		const Lanes16 residual =
-		    residualAt(model.pixels[leftOut.pixel], loadLanes(scratch.planes[leftOut.pixel]), leftOutWeight(leftOut, scratch));
-		for (const std::uint8_t receiver : leftOut.gives)
-		{
-			storeLanes(scratch.lacking[receiver].data(), loadLanes(scratch.lacking[receiver]) + residual);
-		}
+		const Lanes16 planes = loadLanes(scratch.planes[leftOut.pixel]);
+		storeLanes(scratch.lacking[leftOut.pixel].data(), residualAt(model.pixels[leftOut.pixel], planes, leftOutWeight(leftOut, scratch)));
 	}
+	const auto lackingAt = [&scratch](std::uint8_t pixel)
+	{
+		return loadLanes(scratch.lacking[pixel]);
+	};
 	const Lanes16 black = broadcastLanes(0);
 	const Lanes16 white = broadcastLanes(255);
-	for (int i = 0; i < model.storedCount; ++i)
+	for (int first = 0; first < model.storedCount; first += 4)
 	{
-		const KilnStoredPixel& stored = model.stored[i];
-		if (stored.contributions > 0)
+		std::array<Lanes16, 4> targets;
+		for (int i = 0; i < 4; ++i)
 		{
-			const Division& division = kDivisions[stored.contributions];
-			const Lanes16 biased = loadLanes(scratch.lacking[stored.pixel]) + broadcastLanes(kBias);
-			const Lanes16 mean = multiplyHigh(biased, broadcastLanes(division.factor)) - broadcastLanes(division.bias);
-			const Lanes16 target = clampLanes(loadLanes(model.pixels[stored.pixel].target) + mean, black, white);
-			choose(model, stored, repeatLower(target), scratch);
+			const KilnStoredPixel& stored = model.stored[first + i];
+			const Division& division = kDivisions[stored.readerCount];
+			const auto& readers = stored.readers;
+			const Lanes16 sum = lackingAt(readers[0]) + lackingAt(readers[1]) + lackingAt(readers[2]) + lackingAt(readers[3]);
+			const Lanes16 mean = multiplyHigh(sum + broadcastLanes(kBias), broadcastLanes(division.factor)) - broadcastLanes(division.bias);
+			targets[i] = repeatLower(clampLanes(loadLanes(model.pixels[stored.pixel].target) + mean, black, white));
 		}
+		chooseFour(model, &model.stored[first], targets, scratch);
 	}
 }
 
@@ -156,9 +170,14 @@ void EvalAllCandsAndGetErrors2BPP(const KilnWindowModel& model, const KilnPair& 
 		storeLanes(scratch.planes[pixel].data(), kilnUpscaledPlanes(model.pixels[pixel], pairLanes));
 	}
 	scratch.indices.fill(0);
-	for (int i = 0; i < model.storedCount; ++i)
+	for (int first = 0; first < model.storedCount; first += 4)
 	{
-		choose(model, model.stored[i], loadLanes(model.pixels[model.stored[i].pixel].target), scratch);
+		std::array<Lanes16, 4> targets;
+		for (int i = 0; i < 4; ++i)
+		{
+			targets[i] = loadLanes(model.pixels[model.stored[first + i].pixel].target);
+		}
+		chooseFour(model, &model.stored[first], targets, scratch);
 	}
 	if (model.leftOutCount > 0)
 	{

@@ -143,6 +143,11 @@ inline Lanes32 clearLast(Lanes32 a)
 {
 	return {_mm_and_si128(a.v, _mm_setr_epi32(-1, -1, -1, 0))};
 }
+/// Lanes 2 and 3 raised above all errors.
+inline Lanes32 forbidMiddles(Lanes32 a)
+{
+	return {_mm_or_si128(a.v, _mm_setr_epi32(0, 0, 0x7fffffff, 0x7fffffff))};
+}
 
 /// For each of four pixels the smallest error by the rule of a choice, and the candidate 0 to 3 that has it.
 struct LaneChoices
@@ -336,6 +341,11 @@ inline Lanes32 zeroLanes()
 inline Lanes32 clearLast(const Lanes32& a)
 {
 	return {{a.v[0], a.v[1], a.v[2], 0}};
+}
+/// Lanes 2 and 3 raised above all errors.
+inline Lanes32 forbidMiddles(const Lanes32& a)
+{
+	return {{a.v[0], a.v[1], 0x7fffffff, 0x7fffffff}};
 }
 
 /// For each of four pixels the smallest error by the rule of a choice, and the candidate 0 to 3 that has it.

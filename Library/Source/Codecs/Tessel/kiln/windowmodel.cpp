@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "evaluate.h"
 #include "pixelkernel.h"
 
@@ -21,8 +19,31 @@ KilnPixelKind kindOf(const KilnBlendRecord& record, const KilnColour& pixel)
 	return pixel[3] == 0 ? kKilnFreePunchThroughPixel : kKilnPunchThroughPixel;
 }
 
+KilnPaletteModel paletteOf(const KilnBlendRecord& record, const KilnNeighbourColours& colours)
+{
+	KilnPaletteModel palette = {};
+	for (int i = 0; i < 4; ++i)
+	{
+		const unsigned place = kKilnLanePlace[i];
+		const KilnColour colour = kilnPaletteColour(record, i, colours);
+		for (unsigned c = 0; c < 4; ++c)
+		{
+			const unsigned lane = 4 * (place & 1) + c;
+			if (record.paletteWeights[i] != kKilnFullWeight)
+			{
+				palette.fixed[place / 2][lane] = colour[c];
+			}
+			else
+			{
+				(record.paletteMixes[i] == 0 ? palette.maskA : palette.maskB)[place / 2][lane] = 0xffff;
+			}
+		}
+	}
+	return palette;
+}
+
 /// The neighbours of a pixel that is left out; outside the window the one opposite stands in.
-KilnLeftOutPixel leftOutAt(int row, int column, int storeClass)
+constexpr KilnLeftOutPixel leftOutAt(int row, int column, int storeClass)
 {
 	const int pixel = kWidth2Bpp * row + column;
 	const int left = column > 0 ? pixel - 1 : pixel + 1;
@@ -38,43 +59,76 @@ KilnLeftOutPixel leftOutAt(int row, int column, int storeClass)
 	{
 		reads = {above, below, above, below};
 	}
-	KilnLeftOutPixel result;
+	KilnLeftOutPixel result = {};
 	result.pixel = static_cast<std::uint8_t>(pixel);
 	for (unsigned i = 0; i < 4; ++i)
 	{
 		result.reads[i] = static_cast<std::uint8_t>(reads[i]);
-		const bool again = std::find(reads.begin(), reads.begin() + i, reads[i]) != reads.begin() + i;
-		result.gives[i] = again ? KilnLeftOutPixel::kNone : result.reads[i];
 	}
 	return result;
 }
 
-void listPixels2Bpp(const KilnBlendRecords& records, KilnWindowModel& model)
+/// For the three classes of pixels that are left out, each pixel of the window.
+using LeftOutTable = std::array<std::array<KilnLeftOutPixel, kKilnMaxWindow>, 3>;
+constexpr LeftOutTable makeLeftOutTable()
 {
-	std::array<std::uint8_t, kKilnMaxWindow + 1> contributions = {};
-	model.leftOutCount = 0;
-	for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
+	LeftOutTable table = {};
+	for (int i = 0; i < 3; ++i)
 	{
-		const int storeClass = records.pixels[pixel].storeClass;
-		if (storeClass >= kKilnLeftOut)
+		for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
 		{
-			KilnLeftOutPixel& entry = model.leftOut[model.leftOutCount++];
-			entry = leftOutAt(pixel / kWidth2Bpp, pixel % kWidth2Bpp, storeClass);
-			for (const std::uint8_t receiver : entry.gives)
-			{
-				++contributions[receiver];
-			}
+			table[i][pixel] = leftOutAt(pixel / kWidth2Bpp, pixel % kWidth2Bpp, kKilnLeftOut + i);
 		}
 	}
+	return table;
+}
+constexpr LeftOutTable kLeftOutTable = makeLeftOutTable();
+
+/// Notes that a pixel is read by one that is left out, once.
+void addReader(KilnStoredPixel& stored, std::uint8_t reader)
+{
+	if (stored.readerCount == 0 || stored.readers[stored.readerCount - 1] != reader)
+	{
+		stored.readers[stored.readerCount++] = reader;
+	}
+}
+
+void listPixels2Bpp(const KilnBlendRecords& records, KilnWindowModel& model)
+{
+	constexpr std::uint8_t kNo = kKilnNoPixel;
+	// Of each pixel, its place in the list of stored pixels.
+	std::array<std::uint8_t, kKilnMaxWindow> places;
 	model.storedCount = 0;
 	for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
 	{
 		const KilnBlendRecord& record = records.pixels[pixel];
 		if (record.storeClass < kKilnLeftOut)
 		{
-			const std::uint8_t count = record.storeClass == kKilnStored ? contributions[pixel] : 0;
-			model.stored[model.storedCount++] = {static_cast<std::uint8_t>(pixel), record.endsOnly, count};
+			places[pixel] = static_cast<std::uint8_t>(model.storedCount);
+			model.stored[model.storedCount++] = {static_cast<std::uint8_t>(pixel), record.endsOnly, 0, {kNo, kNo, kNo, kNo}};
 		}
+	}
+	model.leftOutCount = 0;
+	for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
+	{
+		const int storeClass = records.pixels[pixel].storeClass;
+		if (storeClass >= kKilnLeftOut)
+		{
+			const KilnLeftOutPixel& entry = kLeftOutTable[storeClass - kKilnLeftOut][pixel];
+			model.leftOut[model.leftOutCount++] = entry;
+			for (const std::uint8_t neighbour : entry.reads)
+			{
+				if (records.pixels[neighbour].storeClass == kKilnStored)
+				{
+					addReader(model.stored[places[neighbour]], static_cast<std::uint8_t>(pixel));
+				}
+			}
+		}
+	}
+	// The last one again, to a multiple of 4.
+	for (; model.storedCount % 4 != 0; ++model.storedCount)
+	{
+		model.stored[model.storedCount] = model.stored[model.storedCount - 1];
 	}
 }
 } // namespace
@@ -121,10 +175,7 @@ void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* windo
 		model.kinds[pixel] = kindOf(record, window[pixel]);
 		if (record.localPalette)
 		{
-			for (int i = 0; i < 4; ++i)
-			{
-				model.palette[pixel][i] = kilnPaletteColour(record, i, colours);
-			}
+			model.palette[pixel] = paletteOf(record, colours);
 		}
 	}
 	model.pixels[kKilnWindow4Bpp] = {};
