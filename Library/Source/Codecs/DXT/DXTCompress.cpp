@@ -1,8 +1,8 @@
 // The encoder of whole images: cuts the image into blocks and pads the partial ones.
 
 #include <cstddef>
-#include <cstring>
 
+#include "Codecs/BlockTexels.h"
 #include "DXTBlock.h"
 #include "DXTCodec.h"
 
@@ -10,37 +10,6 @@ namespace zortexture
 {
 namespace
 {
-/// Positions of four texels along a side of the image. The pad takes the last real ones, shifted: in a side of 5 the positions 5, 6, 7
-/// are copies of 2, 3, 4. A side of 1 has nothing to shift into all of its pad, which then repeats the first texel.
-void sourcePositions(std::size_t start, std::size_t side, std::size_t (&positions)[kDXTBlockSide])
-{
-	const std::size_t pad = (kDXTBlockSide - side % kDXTBlockSide) % kDXTBlockSide;
-	for (std::size_t i = 0; i < kDXTBlockSide; ++i)
-	{
-		const std::size_t position = start + i;
-		const std::size_t shifted = position < pad ? 0 : position - pad;
-		positions[i] = position < side ? position : shifted;
-	}
-}
-
-/// The block's sixteen texels, row after row.
-void gatherTexels(const unsigned char* image, std::size_t width, std::size_t height, std::size_t x, std::size_t y,
-                  Pixel<unsigned char> (&texels)[kDXTBlockTexels])
-{
-	std::size_t columns[kDXTBlockSide];
-	std::size_t rows[kDXTBlockSide];
-	sourcePositions(x, width, columns);
-	sourcePositions(y, height, rows);
-	unsigned int texel = 0;
-	for (const std::size_t row : rows)
-	{
-		for (const std::size_t column : columns)
-		{
-			std::memcpy(&texels[texel++], image + (row * width + column) * sizeof(Pixel<unsigned char>), sizeof(Pixel<unsigned char>));
-		}
-	}
-}
-
 void storeWords(const DXTColours& colours, unsigned char* block)
 {
 	const std::uint64_t word = colours.colour0 | std::uint64_t{colours.colour1} << 16 | std::uint64_t{colours.indices} << 32;
@@ -50,7 +19,7 @@ void storeWords(const DXTColours& colours, unsigned char* block)
 	}
 }
 
-void encodeBlock(const Pixel<unsigned char> (&texels)[kDXTBlockTexels], unsigned int number, unsigned char* block)
+void encodeBlock(const Pixel<unsigned char>* texels, unsigned int number, unsigned char* block)
 {
 	if (number == 2 || number == 3)
 	{
@@ -89,7 +58,7 @@ unsigned int DXTCompress(const void* source, void* destination, const unsigned i
 		for (std::size_t x = 0; x < width; x += kDXTBlockSide, block += blockBytes)
 		{
 			Pixel<unsigned char> texels[kDXTBlockTexels];
-			gatherTexels(image, width, height, x, y, texels);
+			gatherTexels(image, width, height, x, y, sizeof(texels[0]), reinterpret_cast<unsigned char*>(texels));
 			encodeBlock(texels, number, block);
 		}
 	}

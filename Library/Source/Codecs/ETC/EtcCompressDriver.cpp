@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 
+#include "Codecs/BlockTexels.h"
 #include "ETCCodec.h"
 #include "EacBlock.h"
 #include "EtcBlock.h"
@@ -62,37 +63,6 @@ unsigned int compressedSize(unsigned int width, unsigned int height, unsigned in
 {
 	const unsigned int texels = ((width + 3) & ~3U) * ((height + 3) & ~3U); // wraps like every size of the library
 	return layoutOf(format).blockBytes == 8 ? texels / 2 : texels;
-}
-
-/// Positions of four texels along a side of the image. The pad takes the last real ones, shifted: in a side of 5 the positions 5, 6, 7
-/// are copies of 2, 3, 4. A side of 1 has nothing to shift into all of its pad, which then repeats the first texel.
-void sourcePositions(std::size_t start, std::size_t side, std::size_t (&positions)[4])
-{
-	const std::size_t pad = (4 - side % 4) % 4;
-	for (std::size_t i = 0; i < 4; ++i)
-	{
-		const std::size_t position = start + i;
-		const std::size_t shifted = position < pad ? 0 : position - pad;
-		positions[i] = position < side ? position : shifted;
-	}
-}
-
-/// The block's sixteen texels, row after row, as they lie in the image.
-void gatherTexels(const unsigned char* image, std::size_t width, std::size_t height, std::size_t x, std::size_t y, std::size_t texelBytes,
-                  unsigned char* texels)
-{
-	std::size_t columns[4];
-	std::size_t rows[4];
-	sourcePositions(x, width, columns);
-	sourcePositions(y, height, rows);
-	for (const std::size_t row : rows)
-	{
-		for (const std::size_t column : columns)
-		{
-			std::memcpy(texels, image + (row * width + column) * texelBytes, texelBytes);
-			texels += texelBytes;
-		}
-	}
 }
 
 void split(const unsigned char* rgba, TexelBlock& texels)

@@ -1,0 +1,40 @@
+/// @file BlockTexels.h
+/// Cutting an image into the 4 by 4 blocks of the ETC and DXT families, with their padding of partial blocks.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+namespace zortexture
+{
+/// Positions of four texels along a side of the image. The pad takes the last real ones, shifted: in a side of 5 the positions 5, 6, 7
+/// are copies of 2, 3, 4. A side of 1 has nothing to shift into all of its pad, which then repeats the first texel.
+inline void sourcePositions(std::size_t start, std::size_t side, std::size_t (&positions)[4])
+{
+	const std::size_t pad = (4 - side % 4) % 4;
+	for (std::size_t i = 0; i < 4; ++i)
+	{
+		const std::size_t position = start + i;
+		const std::size_t shifted = position < pad ? 0 : position - pad;
+		positions[i] = position < side ? position : shifted;
+	}
+}
+
+/// Copies the sixteen texels of the block at (x, y), row after row, as they lie in the image.
+inline void gatherTexels(const unsigned char* image, std::size_t width, std::size_t height, std::size_t x, std::size_t y,
+                         std::size_t texelBytes, unsigned char* texels)
+{
+	std::size_t columns[4];
+	std::size_t rows[4];
+	sourcePositions(x, width, columns);
+	sourcePositions(y, height, rows);
+	for (const std::size_t row : rows)
+	{
+		for (const std::size_t column : columns)
+		{
+			std::memcpy(texels, image + (row * width + column) * texelBytes, texelBytes);
+			texels += texelBytes;
+		}
+	}
+}
+} // namespace zortexture
