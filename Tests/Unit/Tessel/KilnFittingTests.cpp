@@ -215,25 +215,38 @@ TEST(KilnPhase, VisitsColumnsInExchangedPairs)
 
 TEST(KilnCandidates, KeepsTheBestDifferentPairs)
 {
-	const auto list = std::make_unique<KilnTrialList>();
+	struct Trial
+	{
+		int pair;
+		std::uint64_t error;
+		std::uint64_t secondary;
+		int hardVariant;
+	};
 	const auto pairOf = [](int red)
 	{
 		return KilnPair{{static_cast<std::uint8_t>(red), 0, 0, 255}, {}};
 	};
-	addTrial(*list, {pairOf(1), 50, 7}, 0);
-	addTrial(*list, {pairOf(2), 40, 9}, 0);
-	addTrial(*list, {pairOf(3), 40, 8}, 4);
-	addTrial(*list, {pairOf(2), 40, 9}, 4);
-	addTrial(*list, {pairOf(4), 60, 0}, 0);
-	EXPECT_EQ(bestTrial(*list)->candidate.pair, pairOf(3));
-	sortTrials(*list);
-	EXPECT_EQ(list->trials[0].hardVariant, 4U);
+	// Ties by the secondary error, then by order; a pair counts once, for its best trial.
+	const std::vector<Trial> trials = {{1, 50, 7, 0}, {2, 40, 9, 0}, {3, 40, 8, 4}, {2, 40, 9, 4}, {4, 60, 0, 0},
+	                                   {5, 60, 0, 0}, {6, 99, 0, 0}, {1, 45, 7, 4}, {4, 70, 0, 4}, {4, 10, 0, 4}};
+	const std::vector<std::vector<int>> orders = {{1},          {2, 1},       {3, 2, 1},    {3, 2, 1},    {3, 2, 1, 4},
+	                                              {3, 2, 1, 4}, {3, 2, 1, 4}, {3, 2, 1, 4}, {3, 2, 1, 4}, {4, 3, 2, 1}};
+	KilnTrialList list;
 	KilnModeSlot slot;
-	keepTrials(*list, 3, slot);
-	ASSERT_EQ(slot.count, 3);
-	EXPECT_EQ(slot.kept[0].pair, pairOf(3));
-	EXPECT_EQ(slot.kept[1].pair, pairOf(2));
-	EXPECT_EQ(slot.kept[2].pair, pairOf(1));
+	for (std::size_t i = 0; i < trials.size(); ++i)
+	{
+		addTrial(list, {pairOf(trials[i].pair), trials[i].error, trials[i].secondary}, trials[i].hardVariant);
+		keepTrials(list, kKilnMaxKept, slot);
+		ASSERT_EQ(slot.count, static_cast<int>(orders[i].size())) << i;
+		for (int j = 0; j < slot.count; ++j)
+		{
+			ASSERT_EQ(slot.kept[j].pair, pairOf(orders[i][j])) << i;
+		}
+	}
+	EXPECT_EQ(list.trials[2].hardVariant, 0);
+	EXPECT_EQ(list.trials[3].hardVariant, 4);
+	keepTrials(list, 1, slot);
+	EXPECT_EQ(slot.count, 1);
 }
 
 TEST(KilnCandidates, KnowsThePairsOfItsRound)

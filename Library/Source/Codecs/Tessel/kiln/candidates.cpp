@@ -1,59 +1,38 @@
 #include "candidates.h"
 
-#include <cstddef>
+#include <algorithm>
 #include <cstring>
 
-#include "KilnNumerics.h"
 #include "optimise.h"
-
-static_assert(offsetof(KilnTrial, candidate) == 0, "trials are compared as candidates");
 
 void addTrial(KilnTrialList& list, const KilnCandidate& candidate, int hardVariant)
 {
-	const KilnTrial trial = {candidate, static_cast<std::uint32_t>(hardVariant)};
-	if (list.count < KilnTrialList::kCapacity)
+	const auto begin = list.trials.begin();
+	const auto end = begin + list.count;
+	const auto same = std::find_if(begin, end, [&candidate](const KilnTrial& trial) { return trial.candidate.pair == candidate.pair; });
+	const auto place =
+	    std::find_if(begin, end, [&candidate](const KilnTrial& trial) { return CompareCandidates(&candidate, &trial.candidate) < 0; });
+	if (place > same || place == list.trials.end())
 	{
-		list.trials[list.count++] = trial;
+		return;
 	}
-	else if (CompareCandidates(&trial, &list.trials.back()) < 0)
+	// The same pair moves up; else the last one makes room in a full list.
+	auto last = same;
+	if (same == end)
 	{
-		list.trials.back() = trial;
+		list.count = std::min(list.count + 1, kKilnMaxKept);
+		last = begin + list.count - 1;
 	}
-}
-
-void sortTrials(KilnTrialList& list)
-{
-	zormergesort(list.trials.data(), list.sortScratch.data(), static_cast<std::size_t>(list.count), sizeof(KilnTrial), CompareCandidates);
-}
-
-const KilnTrial* bestTrial(const KilnTrialList& list)
-{
-	const KilnTrial* best = nullptr;
-	for (int i = 0; i < list.count; ++i)
-	{
-		if (best == nullptr || CompareCandidates(&list.trials[i], best) < 0)
-		{
-			best = &list.trials[i];
-		}
-	}
-	return best;
+	std::move_backward(place, last, last + 1);
+	*place = {candidate, hardVariant};
 }
 
 void keepTrials(const KilnTrialList& list, int keep, KilnModeSlot& slot)
 {
-	slot.count = 0;
-	for (int i = 0; i < list.count && slot.count < keep; ++i)
+	slot.count = std::min(list.count, keep);
+	for (int i = 0; i < slot.count; ++i)
 	{
-		const KilnCandidate& candidate = list.trials[i].candidate;
-		bool known = false;
-		for (int j = 0; j < slot.count; ++j)
-		{
-			known = known || slot.kept[j].pair == candidate.pair;
-		}
-		if (!known)
-		{
-			slot.kept[slot.count++] = candidate;
-		}
+		slot.kept[i] = list.trials[i].candidate;
 	}
 }
 

@@ -8,27 +8,18 @@
 struct KilnTrial
 {
 	KilnCandidate candidate;
-	std::uint32_t hardVariant = 0;
+	int hardVariant = 0;
 };
 
-/// The trials of one mode.
+/// The best trials of one mode, all of different pairs: by error, then by the error of the block's own area, then by the order of trial.
 struct KilnTrialList
 {
-	/// More than all seeds of a mode under all flips.
-	static constexpr int kCapacity = 512;
-
 	int count = 0;
-	std::array<KilnTrial, kCapacity> trials;
-	std::array<KilnTrial, kCapacity> sortScratch;
+	std::array<KilnTrial, kKilnMaxKept> trials;
 };
 
-/// Adds a trial; in a full list it replaces the last if it is better.
 void addTrial(KilnTrialList& list, const KilnCandidate& candidate, int hardVariant);
-/// Sorts by error, then by the error of the block's own area, then by the order of trial.
-void sortTrials(KilnTrialList& list);
-/// The best of the list so far, null in an empty list.
-const KilnTrial* bestTrial(const KilnTrialList& list);
-/// Keeps the first `keep` different pairs of a sorted list in a mode's slot.
+/// Keeps the first `keep` pairs in a mode's slot.
 void keepTrials(const KilnTrialList& list, int keep, KilnModeSlot& slot);
 
 /// The pairs that have been evaluated since the set was cleared.

@@ -63,6 +63,31 @@ void enterBlock(OptimiseRegion& region, const KilnThreadRecord& record, int bloc
 	}
 }
 
+/// Walks the seeds under flips of flags upwards. Those belong to other rows and are not written: such a trial only finds a pair, which
+/// counts for what it costs without them.
+void walkUnderUpwardFlips(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& modes, int modeCount, int mode, int hardVariant)
+{
+	const KilnTrialList soFar = region.trials;
+	region.trials.count = 0;
+	setTrialMode(region, mode, hardVariant);
+	walkSeeds(region, modes, modeCount);
+	const KilnTrialList found = region.trials;
+	region.trials = soFar;
+	if (found.count == 0)
+	{
+		return;
+	}
+	const KilnPair& pair = found.trials[0].candidate.pair;
+	const int written = hardVariant & kLeftFlip;
+	setTrialMode(region, mode, written);
+	KilnErrors errors;
+	evaluatePair(region, pair, errors);
+	if (errors.total < region.limit)
+	{
+		addTrial(region.trials, {pair, errors.total, errors.own}, written);
+	}
+}
+
 /// Tries a mode under every flip of the neighbours' hard flags.
 void tryMode(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& modes, int modeCount, int mode)
 {
@@ -71,28 +96,14 @@ void tryMode(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& mode
 	region.trials.count = 0;
 	for (int h = 0; h < variants; h += settings.hardVariantStep)
 	{
-		const int firstTrial = region.trials.count;
-		setTrialMode(region, mode, h);
-		walkSeeds(region, modes, modeCount);
-		// Flips upwards belong to other rows and are not written: they only find pairs, which count for what they cost without.
-		const int written = h & kLeftFlip;
-		if (written == h || region.trials.count == firstTrial)
+		if ((h & kLeftFlip) != h)
 		{
+			walkUnderUpwardFlips(region, modes, modeCount, mode, h);
 			continue;
 		}
-		KilnTrial* best = std::min_element(&region.trials.trials[firstTrial], region.trials.trials.data() + region.trials.count,
-		                                   [](const KilnTrial& a, const KilnTrial& b) { return CompareCandidates(&a, &b) < 0; });
-		const KilnPair pair = best->candidate.pair;
-		region.trials.count = firstTrial;
-		setTrialMode(region, mode, written);
-		KilnErrors errors;
-		evaluatePair(region, pair, errors);
-		if (errors.total < region.limit)
-		{
-			addTrial(region.trials, {pair, errors.total, errors.own}, written);
-		}
+		setTrialMode(region, mode, h);
+		walkSeeds(region, modes, modeCount);
 	}
-	sortTrials(region.trials);
 }
 
 /// Flips the hard flag of a block, which keeps its pair.

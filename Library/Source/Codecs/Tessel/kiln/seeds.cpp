@@ -64,13 +64,13 @@ void walkWeightVariants(OptimiseRegion& region)
 	const int count = std::min(region.settings->variants, static_cast<int>(kAlternativeWeightSet.size()));
 	for (int k = 0; k < count; ++k)
 	{
-		const KilnTrial* best = bestTrial(region.trials);
-		if (best == nullptr)
+		if (region.trials.count == 0)
 		{
 			return;
 		}
-		const KilnColourF a = ConvertIntPixelToFloat(best->candidate.pair.a);
-		const KilnColourF b = ConvertIntPixelToFloat(best->candidate.pair.b);
+		const KilnPair best = region.trials.trials[0].candidate.pair;
+		const KilnColourF a = ConvertIntPixelToFloat(best.a);
+		const KilnColourF b = ConvertIntPixelToFloat(best.b);
 		KilnColourF variantA = MixPixelF(a, b, kAlternativeWeightSet[k].a);
 		KilnColourF variantB = MixPixelF(a, b, kAlternativeWeightSet[k].b);
 		if (region.settings->wideSearch)

@@ -174,7 +174,7 @@ bool walkSeed(OptimiseRegion& region, const KilnPair& seed)
 	KilnCandidate best;
 	bool found = false;
 	KilnPair pair = seed;
-	for (int round = 0; round < region.settings->iterations && region.tried.insert(pair); ++round)
+	for (int round = 1; round <= region.settings->iterations && region.tried.insert(pair); ++round)
 	{
 		KilnErrors errors;
 		evaluatePair(region, pair, errors);
@@ -187,11 +187,8 @@ bool walkSeed(OptimiseRegion& region, const KilnPair& seed)
 			best = {pair, errors.total, errors.own};
 			found = true;
 		}
-		if (round + 1 == region.settings->iterations)
-		{
-			break;
-		}
-		const std::optional<KilnPair> next = fitPair(region, pair);
+		const bool isLast = round == region.settings->iterations;
+		const std::optional<KilnPair> next = isLast ? std::nullopt : fitPair(region, pair);
 		if (!next)
 		{
 			break;
