@@ -37,6 +37,21 @@ ZORT_API unsigned int tesselCompress2bppMW(void* in, void* out, unsigned int wid
                                            bool overlapWindow, bool is2bpp, int iterations);
 ZORT_API unsigned int tesselCompress4bppMW(void* in, void* out, unsigned int width, unsigned int height, bool unusedFlag,
                                            bool overlapWindow, bool is2bpp, int iterations);
+
+/// The fast compressor of the second generation, at the image's own size (whole blocks).
+/// @param overlapWindow  choose a block's colours from a window of twice its size; for 4bpp only.
+/// @return bytes written.
+ZORT_API unsigned int tessel2Compress(void* in, void* out, unsigned int width, unsigned int height, bool unusedFlag, bool overlapWindow,
+                                      bool is2bpp, int iterations);
+ZORT_API unsigned int tessel2Compress2bpp(void* in, void* out, unsigned int width, unsigned int height, bool unusedFlag, bool overlapWindow,
+                                          bool is2bpp, int iterations);
+ZORT_API unsigned int tessel2Compress4bpp(void* in, void* out, unsigned int width, unsigned int height, bool unusedFlag, bool overlapWindow,
+                                          bool is2bpp, int iterations);
+
+/// The quickest compressor of Tessel II at 4bpp: every whole 4 x 4 block by itself, as a hard transition unless it holds transparent
+/// pixels.
+/// @return 1.
+ZORT_API unsigned int Tessel2SectionCompress(const void* in, void* out, const unsigned int& width, const unsigned int& height);
 } // namespace zortexture
 
 #endif // ZORT_TESSEL_CODEC_H

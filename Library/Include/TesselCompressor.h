@@ -85,7 +85,7 @@ public:
 };
 
 /// What a 2bpp compressor keeps of a block. Indices stand row by row, 8 a row.
-struct Tessel2bppRecord
+struct ZORT_API Tessel2bppRecord
 {
 	/// 0 or 3 for each pixel.
 	unsigned char direct[32] = {};
@@ -98,7 +98,7 @@ struct Tessel2bppRecord
 };
 
 /// What a 4bpp compressor keeps of a block. Indices stand row by row, 4 a row.
-struct Tessel4bppRecord
+struct ZORT_API Tessel4bppRecord
 {
 	/// Indices of mode 0.
 	unsigned char standard[16] = {};
@@ -109,11 +109,38 @@ struct Tessel4bppRecord
 	unsigned int mode = 0;
 };
 
+/// What the fast compressors of both generations keep of an image.
+struct ZORT_API TesselCompressorState
+{
+	/// @param pixels  8-bit rgba, rows tightly packed; copied.
+	TesselCompressorState(const void* pixels, unsigned int imageWidth, unsigned int imageHeight, unsigned char widthOfBlock);
+
+	/// Size in pixels.
+	unsigned int width;
+	unsigned int height;
+	/// Whole blocks in each direction.
+	unsigned int blocksX;
+	unsigned int blocksY;
+	unsigned char blockWidth;
+	unsigned char blockHeight;
+	/// A private copy of the input.
+	std::vector<Pixel<unsigned char>> image;
+	/// One colour a block, 8 bits a channel, red in byte 0.
+	std::vector<unsigned int> coloursA;
+	std::vector<unsigned int> coloursB;
+	/// The two planes at the image's size.
+	std::vector<Pixel<unsigned char>> upscaledA;
+	std::vector<Pixel<unsigned char>> upscaledB;
+	unsigned int numberOfIterations = 0;
+	/// compress() chooses modulations anew in every so many rounds, never when 0.
+	unsigned int modulationRecalculationInterval = 1;
+};
+
 /// The fast compressor: two colours per block, upscaled as the decoder will, a weight per pixel against the upscaled planes, and
 /// rounds of least-squares correction of the colours.
 ///
 /// Rectangles of blocks are half open, [firstX, endX) by [firstY, endY), and cut to the image.
-class ZORT_API TesselCompressor
+class ZORT_API TesselCompressor : public TesselCompressorState
 {
 public:
 	virtual ~TesselCompressor();
@@ -137,29 +164,8 @@ public:
 	/// The place of block (blockX, blockY) in twiddled order.
 	static unsigned int getTwiddleOffset(unsigned int numX, unsigned int numY, unsigned int blockX, unsigned int blockY);
 
-	/// Size in pixels.
-	unsigned int width;
-	unsigned int height;
-	/// Whole blocks in each direction.
-	unsigned int blocksX;
-	unsigned int blocksY;
-	unsigned char blockWidth;
-	unsigned char blockHeight;
-	/// A private copy of the input.
-	std::vector<Pixel<unsigned char>> image;
-	/// One colour a block, 8 bits a channel, red in byte 0.
-	std::vector<unsigned int> coloursA;
-	std::vector<unsigned int> coloursB;
-	/// The two planes at the image's size.
-	std::vector<Pixel<unsigned char>> upscaledA;
-	std::vector<Pixel<unsigned char>> upscaledB;
-	unsigned int numberOfIterations = 0;
-	/// compress() chooses modulations anew in every so many rounds, never when 0.
-	unsigned int modulationRecalculationInterval = 1;
-
 protected:
-	/// @param pixels  8-bit rgba, rows tightly packed; copied.
-	TesselCompressor(const void* pixels, unsigned int imageWidth, unsigned int imageHeight, unsigned char widthOfBlock);
+	using TesselCompressorState::TesselCompressorState;
 	TesselCompressor(const TesselCompressor&) = default;
 	TesselCompressor& operator=(const TesselCompressor&) = default;
 };

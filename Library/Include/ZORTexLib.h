@@ -21,6 +21,7 @@
 #include "StringUtils.h"
 #include "TesselCodec.h"
 #include "TesselCompressor.h"
+#include "TesselIICompressor.h"
 #include "Transcode.h"
 #include "ZORTDefines.h"
 #include "ZORTMetaData.h"

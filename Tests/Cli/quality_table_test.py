@@ -21,6 +21,8 @@ PICTURES = ("astronaut_256", "grass_256", "height_brick_256", "graphics_512x256"
 CODECS = (
     ("tessel1-2bpp-rgba", ("0", "1"), ()),
     ("tessel1-4bpp-rgba", ("0", "1"), ()),
+    ("tessel2-2bpp", ("0", "1"), ()),
+    ("tessel2-4bpp", ("0", "1"), ()),
     ("etc1", ("0", "1"), ()),
     ("etc2-rgb", ("0", "1"), ()),
     ("etc2-rgba", ("0", "1"), ()),

@@ -50,6 +50,8 @@ void useClasses()
 	TesselMultiThreadedCompressor threads(&compressor, 1);
 	threads.preprocess(true);
 	threads.compress();
+	TesselII2bppCompressor secondGeneration(texture.getDataPtr(), width, width);
+	TesselIIMultiThreadedCompressor(&secondGeneration, 1).preprocess(true);
 	g_count += block.key == kMetaKeyPadding && formatToCodecMap.size() == 51 && astcBlockSizes.size() == 24 &&
 	                   StringUtils::getFileName("a/b") == "b"
 	               ? 1
@@ -149,6 +151,10 @@ int main()
 	use(&tesselCompressMW);
 	use(&tesselCompress2bppMW);
 	use(&tesselCompress4bppMW);
+	use(&tessel2Compress);
+	use(&tessel2Compress2bpp);
+	use(&tessel2Compress4bpp);
+	use(&Tessel2SectionCompress);
 	use(&DXTCompress);
 	use(&DXTDecompress);
 	use(&storeAlpha);

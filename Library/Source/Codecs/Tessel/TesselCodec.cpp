@@ -15,22 +15,38 @@ namespace
 /// Encodes an image of whole blocks; false on failure.
 using Encoder = bool (*)(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality);
 
+constexpr int kFastIterations[] = {0, 8};
+
 bool encodeFirstGenerationFast(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality)
 {
-	constexpr int kIterations[] = {0, 8};
 	// The image is only read: the parameter's type is that of a published function.
-	tesselCompressMW(const_cast<void*>(in), out, width, height, false, true, is2bpp, kIterations[quality]);
+	tesselCompressMW(const_cast<void*>(in), out, width, height, false, true, is2bpp, kFastIterations[quality]);
 	return true;
 }
 
-/// The encoder that serves a generation (version 0 or 1) and quality; null where there is none.
-Encoder encoderFor(unsigned version, bool /*is2bpp*/, unsigned quality)
+bool encodeSecondGenerationFast(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality)
 {
-	if (version == 0 && quality <= 1)
+	tessel2Compress(const_cast<void*>(in), out, width, height, false, true, is2bpp, kFastIterations[quality]);
+	return true;
+}
+
+bool encodeSections(const void* in, void* out, unsigned width, unsigned height, bool /*is2bpp*/, unsigned /*quality*/)
+{
+	return Tessel2SectionCompress(in, out, width, height) != 0;
+}
+
+/// The encoder that serves a generation (version 0 or 1) and quality; null where there is none.
+Encoder encoderFor(unsigned version, bool is2bpp, unsigned quality)
+{
+	if (version > 1 || quality > 1)
+	{
+		return nullptr;
+	}
+	if (version == 0)
 	{
 		return encodeFirstGenerationFast;
 	}
-	return nullptr;
+	return quality == 0 && !is2bpp ? encodeSections : encodeSecondGenerationFast;
 }
 } // namespace
 

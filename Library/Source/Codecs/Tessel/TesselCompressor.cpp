@@ -28,7 +28,8 @@ void packFirstGeneration(const Compressor& compressor, TesselBlockData* out, boo
 }
 } // namespace
 
-TesselCompressor::TesselCompressor(const void* pixels, unsigned int imageWidth, unsigned int imageHeight, unsigned char widthOfBlock)
+TesselCompressorState::TesselCompressorState(const void* pixels, unsigned int imageWidth, unsigned int imageHeight,
+                                             unsigned char widthOfBlock)
     : width(imageWidth), height(imageHeight), blocksX(imageWidth / widthOfBlock), blocksY(imageHeight / kBlockHeight),
       blockWidth(widthOfBlock), blockHeight(kBlockHeight), image(std::size_t(imageWidth) * imageHeight),
       coloursA(std::size_t(blocksX) * blocksY), coloursB(coloursA.size()), upscaledA(image.size()), upscaledB(image.size())

@@ -96,6 +96,44 @@ void forEachTesselTile(unsigned blocksX, unsigned blocksY, unsigned threads, Fun
 	}
 }
 
+/// The rounds over tiles. The last correction of the colours is followed by no new planes or modulations.
+template<typename Compressor>
+void runTesselTiles(Compressor& compressor, unsigned threads)
+{
+	const auto forEachTile = [&compressor, threads](auto&& pass)
+	{
+		forEachTesselTile(compressor.blocksX, compressor.blocksY, threads, pass);
+	};
+	for (unsigned i = 0; i < compressor.numberOfIterations; ++i)
+	{
+		forEachTile([&compressor](unsigned firstX, unsigned endX, unsigned firstY, unsigned endY)
+		            { compressor.calculateModulations(firstX, endX, firstY, endY); });
+		compressor.interpolateColoursAB();
+		forEachTile([&compressor](unsigned firstX, unsigned endX, unsigned firstY, unsigned endY)
+		            { compressor.optimizeColoursAB(firstX, endX, firstY, endY); });
+	}
+}
+
+/// Encodes an image through a compressor and its wrapper; readOut(compressor) takes the blocks.
+/// @return the bytes of the image's blocks; 0 when it holds no whole block.
+template<typename Compressor, typename Wrapper, typename ReadOut>
+unsigned encodeTesselFast(const void* in, unsigned width, unsigned height, bool overlapWindow, int iterations, ReadOut&& readOut)
+{
+	// Threads the structure is laid out for; the wrapper may reduce them.
+	constexpr unsigned kWantedThreads = 64;
+	Compressor compressor(in, width, height);
+	if (compressor.blocksX == 0 || compressor.blocksY == 0)
+	{
+		return 0;
+	}
+	compressor.numberOfIterations = static_cast<unsigned>(std::max(iterations, 0));
+	Wrapper wrapper(&compressor, kWantedThreads);
+	wrapper.preprocess(overlapWindow);
+	wrapper.compress();
+	readOut(compressor);
+	return width * height / (compressor.blockWidth / 2);
+}
+
 /// Packs all blocks. `place` gives the position of block (x, y), `setColours` writes the colours of the generation. Blocks whose
 /// place lies past the end are dropped, places without a block are zero.
 template<typename Compressor, typename Block, typename Place, typename SetColours>

@@ -8,7 +8,7 @@
 
 namespace zortexture
 {
-/// What differs between the fits of the two bit rates.
+/// What differs between the two bit rates.
 template<typename Record>
 struct TesselFit;
 
@@ -17,6 +17,8 @@ struct TesselFit<Tessel2bppRecord>
 {
 	static constexpr unsigned kPixels = 32;
 	static constexpr float kThreshold = 128.0F;
+	/// Whether first colours may come from a window that overlaps the neighbours.
+	static constexpr bool kOverlaps = false;
 };
 
 template<>
@@ -24,6 +26,7 @@ struct TesselFit<Tessel4bppRecord>
 {
 	static constexpr unsigned kPixels = 16;
 	static constexpr float kThreshold = 32.0F;
+	static constexpr bool kOverlaps = true;
 };
 
 /// A direct index for every pixel: 0 when strictly nearer to A, else 3.

@@ -1,40 +1,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "TesselFloatColour.h"
 #include "TesselPlanes.h"
 
 namespace zortexture
 {
-namespace
-{
-struct FloatColour
-{
-	float channel[4];
-};
-
-FloatColour toFloat(const TesselPixel& pixel)
-{
-	return {{static_cast<float>(pixel.r), static_cast<float>(pixel.g), static_cast<float>(pixel.b), static_cast<float>(pixel.a)}};
-}
-
-FloatColour unpackFloat(unsigned colour)
-{
-	return {{static_cast<float>(colour & 255), static_cast<float>((colour >> 8) & 255), static_cast<float>((colour >> 16) & 255),
-	         static_cast<float>(colour >> 24)}};
-}
-
-/// Clamps to the 8-bit range and truncates.
-unsigned packClamped(const FloatColour& colour)
-{
-	unsigned packed = 0;
-	for (unsigned c = 0; c < 4; ++c)
-	{
-		packed |= static_cast<unsigned>(std::clamp(colour.channel[c], 0.0F, 255.0F)) << (8 * c);
-	}
-	return packed;
-}
-} // namespace
-
 void fitTesselColours(const TesselBlockPixels& block, const float* weights, unsigned count, float threshold, unsigned& colourA,
                       unsigned& colourB)
 {

@@ -11,18 +11,12 @@ namespace zortexture
 {
 namespace
 {
-/// Threads the structure is laid out for; the processors at hand limit them.
-constexpr unsigned kWantedThreads = 64;
-
 template<typename Compressor>
-void compressFast(const void* in, void* out, unsigned width, unsigned height, bool overlapWindow, int iterations)
+unsigned compressFast(const void* in, void* out, unsigned width, unsigned height, bool overlapWindow, int iterations)
 {
-	Compressor compressor(in, width, height);
-	compressor.numberOfIterations = static_cast<unsigned>(std::max(iterations, 0));
-	TesselMultiThreadedCompressor wrapper(&compressor, kWantedThreads);
-	wrapper.preprocess(overlapWindow);
-	wrapper.compress();
-	compressor.getCompressedData(static_cast<TesselBlockData*>(out), true);
+	return encodeTesselFast<Compressor, TesselMultiThreadedCompressor>(
+	    in, width, height, overlapWindow, iterations,
+	    [out](Compressor& compressor) { compressor.getCompressedData(static_cast<TesselBlockData*>(out), true); });
 }
 } // namespace
 
@@ -39,19 +33,7 @@ void TesselMultiThreadedCompressor::preprocess(bool overlapWindow)
 
 void TesselMultiThreadedCompressor::compress()
 {
-	const auto forEachTile = [this](void (TesselMultiThreadedCompressor::*pass)(const TesselCompressorBlock&))
-	{
-		forEachTesselTile(m_compressor->blocksX, m_compressor->blocksY, m_threadCount,
-		                  [this, pass](unsigned firstX, unsigned endX, unsigned firstY, unsigned endY) {
-			                  (this->*pass)({this, firstX, endX, firstY, endY});
-		                  });
-	};
-	for (unsigned i = 0; i < getNumberOfIterations(); ++i)
-	{
-		forEachTile(&TesselMultiThreadedCompressor::calculateModulations);
-		m_compressor->interpolateColoursAB();
-		forEachTile(&TesselMultiThreadedCompressor::optimizeColours);
-	}
+	runTesselTiles(*m_compressor, m_threadCount);
 }
 
 void TesselMultiThreadedCompressor::calculateNumberOfThreads()
@@ -89,23 +71,13 @@ void TesselMultiThreadedCompressor::calculateModulations(const TesselCompressorB
 unsigned int tesselCompress2bppMW(void* in, void* out, unsigned int width, unsigned int height, bool /*unusedFlag*/, bool overlapWindow,
                                   bool /*is2bpp*/, int iterations)
 {
-	if (width < 8 || height < 4)
-	{
-		return 0; // no whole block
-	}
-	compressFast<Tessel2bppCompressor>(in, out, width, height, overlapWindow, iterations);
-	return width * height / 4;
+	return compressFast<Tessel2bppCompressor>(in, out, width, height, overlapWindow, iterations);
 }
 
 unsigned int tesselCompress4bppMW(void* in, void* out, unsigned int width, unsigned int height, bool /*unusedFlag*/, bool overlapWindow,
                                   bool /*is2bpp*/, int iterations)
 {
-	if (width < 4 || height < 4)
-	{
-		return 0; // no whole block
-	}
-	compressFast<Tessel4bppCompressor>(in, out, width, height, overlapWindow, iterations);
-	return width * height / 2;
+	return compressFast<Tessel4bppCompressor>(in, out, width, height, overlapWindow, iterations);
 }
 
 unsigned int tesselCompressMW(void* in, void* out, unsigned int width, unsigned int height, bool unusedFlag, bool overlapWindow,

@@ -9,9 +9,9 @@ namespace zortexture
 {
 namespace
 {
-unsigned luminance(const TesselPixel& pixel)
+unsigned luminance(unsigned colour)
 {
-	return (30U * pixel.r + 59U * pixel.g + 11U * pixel.b) / 100;
+	return (30U * (colour & 255) + 59U * ((colour >> 8) & 255) + 11U * ((colour >> 16) & 255)) / 100;
 }
 
 template<int BlockWidth>
@@ -71,6 +71,16 @@ unsigned calculateImageBlockErrorMeanSquared(const TesselPixel* a, const TesselP
 	return error;
 }
 
+void orderTesselColours(unsigned& colourA, unsigned& colourB)
+{
+	const unsigned luminanceA = luminance(colourA);
+	const unsigned luminanceB = luminance(colourB);
+	if (luminanceA > luminanceB || (luminanceA == luminanceB && colourA > colourB))
+	{
+		std::swap(colourA, colourB);
+	}
+}
+
 void selectColoursAB_MaxDistance(const TesselPixel* pixels, unsigned count, unsigned& colourA, unsigned& colourB)
 {
 	unsigned best = 0;
@@ -91,12 +101,7 @@ void selectColoursAB_MaxDistance(const TesselPixel* pixels, unsigned count, unsi
 	}
 	colourA = packTesselPixel(pixels[first]);
 	colourB = packTesselPixel(pixels[second]);
-	const unsigned luminanceA = luminance(pixels[first]);
-	const unsigned luminanceB = luminance(pixels[second]);
-	if (luminanceA > luminanceB || (luminanceA == luminanceB && colourA > colourB))
-	{
-		std::swap(colourA, colourB);
-	}
+	orderTesselColours(colourA, colourB);
 }
 
 void calculateColoursABForBlock(const TesselPlanes& planes, unsigned x, unsigned y, unsigned& colourA, unsigned& colourB,

@@ -66,6 +66,12 @@ inline unsigned packTesselPixel(const TesselPixel& pixel)
 	return pixel.r | (unsigned(pixel.g) << 8) | (unsigned(pixel.b) << 16) | (unsigned(pixel.a) << 24);
 }
 
+inline TesselPixel unpackTesselPixel(unsigned colour)
+{
+	return {static_cast<unsigned char>(colour), static_cast<unsigned char>(colour >> 8), static_cast<unsigned char>(colour >> 16),
+	        static_cast<unsigned char>(colour >> 24)};
+}
+
 /// The squared distance over all four channels.
 inline unsigned squareColourDistance(const TesselPixel& a, const TesselPixel& b)
 {
@@ -79,8 +85,10 @@ inline unsigned squareColourDistance(const TesselPixel& a, const TesselPixel& b)
 /// The sum of the squared distances of `count` pixels, not divided by anything.
 unsigned calculateImageBlockErrorMeanSquared(const TesselPixel* a, const TesselPixel* b, unsigned count);
 
-/// The pair of pixels farthest apart, the first found of equals; the darker as A, at equal luminance the one with the smaller
-/// packed value.
+/// Makes A the darker of two packed colours, at equal luminance the one with the smaller packed value.
+void orderTesselColours(unsigned& colourA, unsigned& colourB);
+
+/// The pair of pixels farthest apart, the first found of equals, in the order of orderTesselColours.
 void selectColoursAB_MaxDistance(const TesselPixel* pixels, unsigned count, unsigned& colourA, unsigned& colourB);
 
 /// The first colours of one block, from its own pixels or from a window of twice its width and height that wraps at the edges.
