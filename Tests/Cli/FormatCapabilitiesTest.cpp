@@ -1,5 +1,6 @@
 #include "FormatCapabilities.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -102,7 +103,9 @@ TEST(FormatCapabilities, AgreesWithTheLibraryOnWhatIsEncoded)
 			EXPECT_FALSE(encode(texture, format, 0) && hasContent(texture)) << format.name;
 			continue;
 		}
-		for (int quality = 0; quality <= (isTriedAtLength(format) ? format.codec->bestQuality : 0); ++quality)
+		// Beyond the middle ones, qualities are more of the same, for minutes.
+		const int last = isTriedAtLength(format) ? std::min(format.codec->bestQuality, 4) : 0;
+		for (int quality = 0; quality <= last; ++quality)
 		{
 			CZORTexture texture = makePicture(kSide, kSide);
 			EXPECT_TRUE(encode(texture, format, quality)) << format.name << " " << quality;

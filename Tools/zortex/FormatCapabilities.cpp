@@ -9,8 +9,8 @@ using namespace zortexture;
 namespace
 {
 // Decodes, encodes, best quality, the four named qualities, size rule. A codec that arrives changes its row here.
-constexpr Codec kTesselI = {"Tessel I", true, true, 1, {0, 1, 1, 1}, SizeRule::powersOfTwo};
-constexpr Codec kTesselII = {"Tessel II", true, true, 1, {0, 1, 1, 1}, SizeRule::any};
+constexpr Codec kTesselI = {"Tessel I", true, true, 8, {0, 2, 3, 4}, SizeRule::powersOfTwo};
+constexpr Codec kTesselII = {"Tessel II", true, true, 8, {0, 2, 3, 4}, SizeRule::any};
 constexpr Codec kETC = {"ETC", true, true, 3, {0, 1, 1, 2}, SizeRule::any};
 constexpr Codec kEAC = {"EAC", true, true, 0, {0, 0, 0, 0}, SizeRule::any};
 constexpr Codec kDXT = {"DXT", true, true, 0, {0, 0, 0, 0}, SizeRule::any};

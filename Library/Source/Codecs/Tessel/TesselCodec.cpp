@@ -16,6 +16,8 @@ namespace
 using Encoder = bool (*)(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality);
 
 constexpr int kFastIterations[] = {0, 8};
+/// From this number on, qualities are those of the high-quality compressor.
+constexpr unsigned kFirstKilnQuality = 2;
 
 bool encodeFirstGenerationFast(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality)
 {
@@ -35,12 +37,22 @@ bool encodeSections(const void* in, void* out, unsigned width, unsigned height, 
 	return Tessel2SectionCompress(in, out, width, height) != 0;
 }
 
+template<unsigned Version>
+bool encodeKiln(const void* in, void* out, unsigned width, unsigned height, bool is2bpp, unsigned quality)
+{
+	return tessel_compress(in, out, width, height, Version, quality - kFirstKilnQuality, is2bpp) == 0;
+}
+
 /// The encoder that serves a generation (version 0 or 1) and quality; null where there is none.
 Encoder encoderFor(unsigned version, bool is2bpp, unsigned quality)
 {
-	if (version > 1 || quality > 1)
+	if (version > 1)
 	{
 		return nullptr;
+	}
+	if (quality >= kFirstKilnQuality)
+	{
+		return version == 0 ? encodeKiln<0> : encodeKiln<1>;
 	}
 	if (version == 0)
 	{

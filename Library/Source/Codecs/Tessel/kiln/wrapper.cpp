@@ -2,11 +2,17 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <cstddef>
 #include <memory>
 
 #include "bitmap.h"
 #include "decompress.h"
+#include "kiln_localised.h"
+#include "messages.h"
+#include "passes.h"
+#include "progress.h"
+#include "ptpreprocess.h"
 
 int tessel_decompress(const void* compressed, void* pixels, unsigned width, unsigned height, unsigned version, bool is2bpp)
 {
@@ -45,4 +51,46 @@ int tessel_decompress(const void* compressed, void* pixels, unsigned width, unsi
 		}
 	}
 	return 1;
+}
+
+int TesselCompressTexture(const void* pixels, bool isRGBA, unsigned width, unsigned height, unsigned pitch, void* out, unsigned quality,
+                          bool punchThrough, int wordType, int bpp, unsigned version, bool linear, KilnProgress* progress)
+{
+	kilnResetProgress(progress, static_cast<std::uint64_t>(width) * height);
+	if (width > INT_MAX || height > INT_MAX)
+	{
+		return 1;
+	}
+	const std::unique_ptr<KilnImage> image = NewImage(static_cast<int>(width), static_cast<int>(height));
+	if (image == nullptr)
+	{
+		return 1;
+	}
+	const std::size_t rowBytes = static_cast<std::size_t>(width) * sizeof(KilnColour);
+	const std::size_t stride = pitch != 0 ? pitch : rowBytes;
+	for (unsigned y = 0; y < height; ++y)
+	{
+		std::memcpy(image->row(static_cast<int>(y)), static_cast<const unsigned char*>(pixels) + y * stride, rowBytes);
+	}
+	if (!isRGBA)
+	{
+		for (KilnColour& pixel : image->pixels)
+		{
+			std::swap(pixel[0], pixel[2]);
+		}
+	}
+	if (punchThrough)
+	{
+		fprintf_flush(GlobDebugOutput, "Doing \"Punch-Through\" preprocess of top map.....\n");
+		PTPreprocess(*image, static_cast<int>(version));
+	}
+	fprintf_flush(GlobDebugOutput, "Compressing top map (%d * %d).....\n", image->width, image->height);
+	const unsigned level = std::min<unsigned>(quality, kKilnBestQuality);
+	return KILNNewMethod(*image, wordType, bpp, static_cast<int>(version), linear, static_cast<int>(level), punchThrough, out, progress);
+}
+
+int tessel_compress(const void* in, void* out, unsigned width, unsigned height, unsigned version, unsigned quality, bool is2bpp)
+{
+	return TesselCompressTexture(in, true, width, height, 0, out, quality, false, kKilnWordType, is2bpp ? 2 : 4, version, version == 1,
+	                             nullptr);
 }
