@@ -66,12 +66,12 @@ struct KilnRun
 		std::array<int, kKilnModeSlots> modes = {};
 		const int count = ConstructListOfNeededModes(settings, block, true, modes);
 		block.currentMode = modes[0];
+		block.boxes.fill(box);
 		for (int i = 0; i < count; ++i)
 		{
 			KilnModeSlot& slot = block.slot(modes[i]);
 			slot.mode = modes[i];
 			slot.count = 1;
-			slot.box = box;
 			const auto channel = [&noise]
 			{
 				return static_cast<float>(noise(256));

@@ -227,7 +227,7 @@ KilnPair pickPalettePair(const KilnSettings& settings, const BlockWindow& window
 	return best;
 }
 
-void setSlot(KilnBlock& block, int mode, const OrientedBBox& box, const KilnPair& pair)
+void setSlot(KilnBlock& block, int mode, int box, const KilnPair& pair)
 {
 	KilnModeSlot& slot = block.slot(mode);
 	slot.mode = mode;
@@ -255,12 +255,12 @@ KilnPair pickPair(const KilnSettings& settings, const BlockWindow& window, const
 
 void setStart(const KilnSettings& settings, const BlockWindow& window, KilnBlock& block, int mode)
 {
-	const OrientedBBox& larger = SizeOfOrientedBBox(block.boxes[1]) > SizeOfOrientedBBox(block.boxes[0]) ? block.boxes[1] : block.boxes[0];
+	const int larger = SizeOfOrientedBBox(block.boxes[1]) > SizeOfOrientedBBox(block.boxes[0]) ? 1 : 0;
 	switch (mode)
 	{
 	case kKilnStandard:
 	case kKilnDirect:
-		setSlot(block, mode, larger, pickPair(settings, window, block, window.weights[0], larger));
+		setSlot(block, mode, larger, pickPair(settings, window, block, window.weights[0], block.boxes[larger]));
 		break;
 	case kKilnPunchThrough:
 		if (!window.hasAlphaZero)
@@ -275,15 +275,15 @@ void setStart(const KilnSettings& settings, const BlockWindow& window, KilnBlock
 				weights[i] = window.pixels[i][3] == 0 ? 0 : weights[i];
 			}
 			// The larger box may owe its size to the transparent pixels.
-			setSlot(block, mode, block.boxes[1], pickPair(settings, window, block, weights, block.boxes[1]));
+			setSlot(block, mode, 1, pickPair(settings, window, block, weights, block.boxes[1]));
 		}
 		break;
 	case kKilnHard:
 	case kKilnDirectHard:
-		setSlot(block, mode, block.boxes[2], pickPair(settings, window, block, window.weights[2], block.boxes[2]));
+		setSlot(block, mode, 2, pickPair(settings, window, block, window.weights[2], block.boxes[2]));
 		break;
 	case kKilnHardPalette:
-		setSlot(block, mode, block.boxes[2], pickPalettePair(settings, window, block));
+		setSlot(block, mode, 2, pickPalettePair(settings, window, block));
 		break;
 	default:
 		if (mode > kKilnDirect && mode <= kKilnInterpolatedVertical)

@@ -126,8 +126,8 @@ struct KilnModeSlot
 {
 	int mode = 0;
 	int count = 0;
-	/// Bounds the colours of the window that this mode looks at.
-	OrientedBBox box;
+	/// Which of the block's boxes bounds the colours that this mode looks at.
+	int box = 0;
 	std::array<KilnCandidate, kKilnMaxKept> kept;
 };
 
@@ -160,6 +160,10 @@ struct KilnBlock
 	const KilnModeSlot& slot(int mode) const
 	{
 		return slots[mode & (kKilnModeSlots - 1)];
+	}
+	const OrientedBBox& boxOf(int mode) const
+	{
+		return boxes[slot(mode).box];
 	}
 	/// The pair in force.
 	const KilnCandidate& current() const

@@ -75,7 +75,7 @@ void walkWeightVariants(OptimiseRegion& region)
 		KilnColourF variantB = MixPixelF(a, b, kAlternativeWeightSet[k].b);
 		if (region.settings->wideSearch)
 		{
-			const OrientedBBox& box = region.block->slot(region.mode).box;
+			const OrientedBBox& box = region.block->boxOf(region.mode);
 			variantA = ClampToOrientedBBox(box, variantA);
 			variantB = ClampToOrientedBBox(box, variantB);
 		}

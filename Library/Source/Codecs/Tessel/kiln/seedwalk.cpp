@@ -126,7 +126,7 @@ std::optional<KilnPair> fitPair(const OptimiseRegion& region, const KilnPair& pa
 	FloatPair moved = moveByFit(pair, fit);
 	if (region.settings->wideSearch)
 	{
-		const OrientedBBox& box = region.block->slot(region.mode).box;
+		const OrientedBBox& box = region.block->boxOf(region.mode);
 		moved.a = ClampToOrientedBBox(box, moved.a);
 		moved.b = ClampToOrientedBBox(box, moved.b);
 	}
