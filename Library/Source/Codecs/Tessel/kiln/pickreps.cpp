@@ -43,27 +43,40 @@ struct Ends
 	float high;
 };
 
+/// Where the second, third and fourth run of a partition begin.
+using Boundaries = std::array<int, 3>;
+
+/// Moves boundaries to where the nearest of the four levels between two ends changes. They rarely move far.
+void moveBoundaries(const KilnPixelInfo* pixels, int count, const Ends& ends, Boundaries& boundaries)
+{
+	// Midway between the levels.
+	constexpr std::array<float, 3> kThresholds = {0.1875F, 0.5F, 0.8125F};
+	for (int i = 0; i < 3; ++i)
+	{
+		const float threshold = ends.low + (ends.high - ends.low) * kThresholds[i];
+		int& boundary = boundaries[i];
+		while (boundary < count && pixels[boundary].projection < threshold)
+		{
+			++boundary;
+		}
+		while (boundary > 0 && !(pixels[boundary - 1].projection < threshold))
+		{
+			--boundary;
+		}
+	}
+}
+
 /// The pixels nearest to each of the four levels between two ends.
 struct Partition
 {
 	std::array<RunSums, 4> runs;
-	/// Where the second run and those after it begin.
-	std::array<int, 3> boundaries;
 
-	Partition(const KilnPixelInfo* pixels, int count, const Ends& ends)
+	Partition(const KilnPixelInfo* pixels, int count, const Boundaries& boundaries)
 	{
-		// Midway between the levels.
-		constexpr std::array<float, 3> kThresholds = {0.1875F, 0.5F, 0.8125F};
 		RunSums before;
-		int begin = 0;
 		for (int i = 0; i < 3; ++i)
 		{
-			const float threshold = ends.low + (ends.high - ends.low) * kThresholds[i];
-			const KilnPixelInfo* end = std::partition_point(
-			    pixels + begin, pixels + count, [threshold](const KilnPixelInfo& pixel) { return pixel.projection < threshold; });
-			begin = static_cast<int>(end - pixels);
-			boundaries[i] = begin;
-			const RunSums sums = sumsBefore(pixels, begin);
+			const RunSums sums = sumsBefore(pixels, boundaries[i]);
 			runs[i] = difference(sums, before);
 			before = sums;
 		}
@@ -127,7 +140,7 @@ class VisitedPartitions
 {
 public:
 	/// @return whether this is the first time (or there is no more room to tell).
-	bool insert(const std::array<int, 3>& boundaries)
+	bool insert(const Boundaries& boundaries)
 	{
 		constexpr std::size_t kMask = kSlots - 1;
 		// No boundary is above 153; never 0.
@@ -154,30 +167,25 @@ private:
 	std::size_t m_count = 0;
 };
 
-/// @param visited  when not null, gives the start up with an error beyond all others once it comes upon a partition in there.
-double improvePartition(const KilnPixelInfo* pixels, int count, float& low, float& high, VisitedPartitions* visited)
+/// @param boundaries  where to look for the boundaries first; as they are left.
+/// @param visited     when not null, gives the start up with an error beyond all others once it comes upon a partition in there.
+double improvePartition(const KilnPixelInfo* pixels, int count, Ends& ends, Boundaries& boundaries, VisitedPartitions* visited)
 {
-	if (count == 1 || low == high)
-	{
-		return 0;
-	}
-	Ends ends = {low, high};
-	std::array<int, 3> last = {-1, -1, -1};
+	Boundaries last = {-1, -1, -1};
 	for (;;)
 	{
-		const Partition partition(pixels, count, ends);
-		if (visited != nullptr && partition.boundaries != last && !visited->insert(partition.boundaries))
+		moveBoundaries(pixels, count, ends, boundaries);
+		if (visited != nullptr && boundaries != last && !visited->insert(boundaries))
 		{
 			return DBL_MAX;
 		}
-		last = partition.boundaries;
+		last = boundaries;
+		const Partition partition(pixels, count, boundaries);
 		const double error = partition.error(ends);
 		const Ends fitted = partition.fitEnds(ends, pixels[0].projection, pixels[count - 1].projection);
 		// The error falls with every round, so that rounds end.
 		if (!(partition.error(fitted) < error))
 		{
-			low = ends.low;
-			high = ends.high;
 			return error / pixels[count - 1].weightSum;
 		}
 		ends = fitted;
@@ -254,9 +262,18 @@ Ends outerMeans(const PixelInfos& pixels, int count)
 /// The ends with the least error, from the outer means and from a grid of starts; the earlier of equals.
 Ends findEnds(const PixelInfos& pixels, int count)
 {
-	Ends best = outerMeans(pixels, count);
 	VisitedPartitions visited;
-	double bestError = improvePartition(pixels.data(), count, best.low, best.high, &visited);
+	Boundaries boundaries = {};
+	const auto improve = [&](Ends& ends)
+	{
+		return improvePartition(pixels.data(), count, ends, boundaries, &visited);
+	};
+	Ends best = outerMeans(pixels, count);
+	if (best.low == best.high)
+	{
+		return best;
+	}
+	double bestError = improve(best);
 	const float minimum = pixels[0].projection;
 	const float maximum = pixels[count - 1].projection;
 	const auto start = [minimum, maximum](int step)
@@ -268,7 +285,7 @@ Ends findEnds(const PixelInfos& pixels, int count)
 		for (int highStep = lowStep + 1; highStep < kStartSteps; ++highStep)
 		{
 			Ends ends = {start(lowStep), start(highStep)};
-			const double error = ends.low < ends.high ? improvePartition(pixels.data(), count, ends.low, ends.high, &visited) : bestError;
+			const double error = improve(ends);
 			if (error < bestError)
 			{
 				best = ends;
@@ -319,7 +336,16 @@ bool isTransparentPixel(bool tessel2, const KilnColour& pixel)
 
 double ImprovePartition(const KilnPixelInfo* pixels, int count, float& low, float& high)
 {
-	return improvePartition(pixels, count, low, high, nullptr);
+	if (count == 1 || low == high)
+	{
+		return 0;
+	}
+	Ends ends = {low, high};
+	Boundaries boundaries = {};
+	const double error = improvePartition(pixels, count, ends, boundaries, nullptr);
+	low = ends.low;
+	high = ends.high;
+	return error;
 }
 
 KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, const KilnColour* window, const float* weights,
