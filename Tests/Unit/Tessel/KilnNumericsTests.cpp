@@ -133,9 +133,9 @@ TEST(KilnNumerics, MergeSortIsStableAtEveryCount)
 
 		bool operator==(const Element&) const = default;
 	};
-	const auto byKey = [](const void* a, const void* b)
+	const auto byKey = [](const Element& a, const Element& b)
 	{
-		return int{static_cast<const Element*>(a)->key} - int{static_cast<const Element*>(b)->key};
+		return int{a.key} - int{b.key};
 	};
 	std::mt19937 random(11);
 	for (unsigned count = 0; count < 70; ++count)
@@ -148,7 +148,7 @@ TEST(KilnNumerics, MergeSortIsStableAtEveryCount)
 		std::vector<Element> expected = elements;
 		std::stable_sort(expected.begin(), expected.end(), [](const Element& a, const Element& b) { return a.key < b.key; });
 		std::vector<Element> scratch(count);
-		zormergesort(elements.data(), scratch.data(), count, sizeof(Element), byKey);
+		zormergesort(elements.data(), scratch.data(), count, byKey);
 		EXPECT_EQ(elements, expected) << count;
 	}
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace
@@ -318,36 +317,4 @@ float FindPrincipalEigenvect(const KilnMatrix& matrix, KilnVector& vectorOut)
 	KilnVector image;
 	multiply(matrix, vectorOut, image);
 	return dotProduct(vectorOut, image);
-}
-
-void zormergesort(void* base, void* scratch, std::size_t count, std::size_t elementSize, KilnCompare compare)
-{
-	auto* from = static_cast<unsigned char*>(base);
-	auto* to = static_cast<unsigned char*>(scratch);
-	for (std::size_t run = 1; run < count; run *= 2)
-	{
-		for (std::size_t start = 0; start < count; start += 2 * run)
-		{
-			const unsigned char* left = from + start * elementSize;
-			const unsigned char* const leftEnd = from + std::min(start + run, count) * elementSize;
-			const unsigned char* right = leftEnd;
-			const unsigned char* const rightEnd = from + std::min(start + 2 * run, count) * elementSize;
-			unsigned char* out = to + start * elementSize;
-			while (left != leftEnd && right != rightEnd)
-			{
-				const unsigned char*& next = compare(left, right) <= 0 ? left : right;
-				std::memcpy(out, next, elementSize);
-				next += elementSize;
-				out += elementSize;
-			}
-			std::memcpy(out, left, static_cast<std::size_t>(leftEnd - left));
-			out += leftEnd - left;
-			std::memcpy(out, right, static_cast<std::size_t>(rightEnd - right));
-		}
-		std::swap(from, to);
-	}
-	if (from != base)
-	{
-		std::memcpy(base, scratch, count * elementSize);
-	}
 }

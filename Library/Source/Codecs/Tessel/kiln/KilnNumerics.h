@@ -2,8 +2,10 @@
 /// Covariance of weighted pixels, the axes of a symmetric matrix, and a stable sort. Nothing here allocates.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 /// Four channels r, g, b, alpha.
 using KilnVector = std::array<float, 4>;
@@ -42,9 +44,33 @@ void ComputeSortedEigenVecs(float* matrix, int n, float* eigenvaluesOut, float* 
 /// @return its eigenvalue.
 float FindPrincipalEigenvect(const KilnMatrix& matrix, KilnVector& vectorOut);
 
-/// Below, at or above 0 as the first element belongs before, beside or after the second.
-using KilnCompare = int (*)(const void* a, const void* b);
-
-/// Sorts `count` elements of `elementSize` bytes ascending; equal elements keep their order.
+/// Sorts ascending; equal elements keep their order.
 /// @param scratch  room for as many elements.
-void zormergesort(void* base, void* scratch, std::size_t count, std::size_t elementSize, KilnCompare compare);
+/// @param compare  of two elements: below, at or above 0 as the first belongs before, beside or after the second.
+template<typename Element, typename Compare>
+void zormergesort(Element* base, Element* scratch, std::size_t count, Compare&& compare)
+{
+	Element* from = base;
+	Element* to = scratch;
+	for (std::size_t run = 1; run < count; run *= 2)
+	{
+		for (std::size_t start = 0; start < count; start += 2 * run)
+		{
+			const Element* left = from + start;
+			const Element* const leftEnd = from + std::min(start + run, count);
+			const Element* right = leftEnd;
+			const Element* const rightEnd = from + std::min(start + 2 * run, count);
+			Element* out = to + start;
+			while (left != leftEnd && right != rightEnd)
+			{
+				*out++ = compare(*left, *right) <= 0 ? *left++ : *right++;
+			}
+			std::copy(right, rightEnd, std::copy(left, leftEnd, out));
+		}
+		std::swap(from, to);
+	}
+	if (from != base)
+	{
+		std::copy(scratch, scratch + count, base);
+	}
+}

@@ -42,17 +42,6 @@ void findFlatness(const KilnColour* window, int width, int height, Flatness& fla
 }
 } // namespace
 
-int SQColDist(const KilnColour& a, const KilnColour& b)
-{
-	int sum = 0;
-	for (int c = 0; c < 4; ++c)
-	{
-		const int difference = a[c] - b[c];
-		sum += difference * difference;
-	}
-	return sum;
-}
-
 int AnalyseGraphicsProperties(const KilnColour* window, const KilnSettings& settings, KilnRegions& regions)
 {
 	const int width = settings.windowWidth;

@@ -18,4 +18,13 @@ struct KilnRegions
 int AnalyseGraphicsProperties(const KilnColour* window, const KilnSettings& settings, KilnRegions& regions);
 
 /// The squared distance of two colours over all four channels.
-int SQColDist(const KilnColour& a, const KilnColour& b);
+inline int SQColDist(const KilnColour& a, const KilnColour& b)
+{
+	int sum = 0;
+	for (int c = 0; c < 4; ++c)
+	{
+		const int difference = a[c] - b[c];
+		sum += difference * difference;
+	}
+	return sum;
+}

@@ -192,16 +192,22 @@ double improvePartition(const KilnPixelInfo* pixels, int count, Ends& ends, Boun
 	}
 }
 
-int OrderPixelInfo(const void* a, const void* b)
+/// A pixel that waits to be sorted.
+struct PlacedPixel
 {
-	const float first = static_cast<const KilnPixelInfo*>(a)->projection;
-	const float second = static_cast<const KilnPixelInfo*>(b)->projection;
-	return first < second ? -1 : static_cast<int>(first > second);
+	float projection;
+	int pixel;
+};
+
+int OrderPixelInfo(const PlacedPixel& a, const PlacedPixel& b)
+{
+	return a.projection < b.projection ? -1 : static_cast<int>(a.projection > b.projection);
 }
 
 /// Lists the pixels that count, sorted along the axis, with their sums.
 int listPixels(const KilnSettings& settings, const KilnColour* window, const float* weights, const KilnVector& axis, PixelInfos& pixels)
 {
+	std::array<PlacedPixel, kKilnMaxWindow> placed;
 	int count = 0;
 	for (int i = 0; i < settings.windowPixels(); ++i)
 	{
@@ -214,20 +220,21 @@ int listPixels(const KilnSettings& settings, const KilnColour* window, const flo
 		{
 			projection += axis[c] * static_cast<float>(window[i][c]);
 		}
-		pixels[count++] = {projection, std::fabs(weights[i]), i, 0, 0, 0};
+		placed[count++] = {projection, i};
 	}
-	PixelInfos scratch;
-	zormergesort(pixels.data(), scratch.data(), static_cast<std::size_t>(count), sizeof(KilnPixelInfo), OrderPixelInfo);
+	std::array<PlacedPixel, kKilnMaxWindow> scratch;
+	zormergesort(placed.data(), scratch.data(), static_cast<std::size_t>(count), OrderPixelInfo);
 
 	RunSums sums;
 	for (int i = 0; i < count; ++i)
 	{
-		KilnPixelInfo& pixel = pixels[i];
-		const double weight = pixel.weight;
-		const double projection = pixel.projection;
-		pixel.weightSum = sums.weight += weight;
-		pixel.momentSum = sums.moment += weight * projection;
-		pixel.squareSum = sums.square += weight * projection * projection;
+		const auto [projection, pixel] = placed[i];
+		const float size = std::fabs(weights[pixel]);
+		const double weight = size;
+		sums.weight += weight;
+		sums.moment += weight * projection;
+		sums.square += weight * projection * projection;
+		pixels[i] = {projection, size, pixel, sums.weight, sums.moment, sums.square};
 	}
 	return count;
 }

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <utility>
 
+#include "analygrapprop.h"
+
 namespace
 {
 /// How far the colours of two blocks (or of all that touch along a border) are apart: A from A and B from B, or A from B.
@@ -25,20 +27,9 @@ struct Edge
 	float ratio = 0;
 };
 
-int squaredDistance(const KilnColour& a, const KilnColour& b)
-{
-	int sum = 0;
-	for (std::size_t c = 0; c < 4; ++c)
-	{
-		const int difference = a[c] - b[c];
-		sum += difference * difference;
-	}
-	return sum;
-}
-
 int distanceOfPairs(const KilnColour& a0, const KilnColour& b0, const KilnColour& a1, const KilnColour& b1)
 {
-	return static_cast<int>(std::sqrt(static_cast<double>(squaredDistance(a0, a1) + squaredDistance(b0, b1))));
+	return static_cast<int>(std::sqrt(static_cast<double>(SQColDist(a0, a1) + SQColDist(b0, b1))));
 }
 
 Edge SetupEdge(int first, int second, const std::vector<KilnPair>& colours)
