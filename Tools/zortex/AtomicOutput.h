@@ -4,6 +4,8 @@
 #define ZORTEX_ATOMIC_OUTPUT_H
 
 #include <string>
+#include <sys/types.h>
+#include <vector>
 
 namespace zortex
 {
@@ -33,6 +35,16 @@ private:
 	std::string m_temporary;
 	bool m_isPending = false;
 };
+
+/// Whether a file name is that of a temporary file of this program. It holds the machine and the process that made it.
+bool isTemporaryName(const std::string& name);
+
+/// Removes what processes left for one output.
+void removeTemporariesOf(const std::string& target, const std::vector<pid_t>& processes);
+
+/// Removes the temporary files in and below a folder that no process works on any more: those of this machine whose process is
+/// gone, and those of other machines that are more than a day old.
+void removeStaleTemporaries(const std::string& folder);
 } // namespace zortex
 
 #endif // ZORTEX_ATOMIC_OUTPUT_H

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ConvertReport.h"
 #include "ConvertTarget.h"
 #include "Operations.h"
 
@@ -20,8 +21,14 @@ struct ConvertOptions
 	TargetOptions target;
 	/// The colour space that the input's pixels are taken to be in; empty trusts the file.
 	std::string inputSpace;
+	/// The format instead when some pixel is not opaque; empty for the same.
+	std::string alphaFormat;
 	/// In the order in which they run.
 	std::vector<Operation> operations;
+	/// The files that operations read.
+	std::vector<std::string> sideFiles;
+	/// The options that shape the output, as words: two equal lists make equal outputs of equal inputs.
+	std::vector<std::string> words;
 	/// One image of the texture instead of all of it; a PNG file takes the first unless told.
 	std::optional<unsigned int> level;
 	std::optional<unsigned int> surface;
@@ -55,9 +62,16 @@ struct DiffOptions
 	bool isJson = false;
 };
 
+/// Converts one file, and prints its report.
 void runConvert(const ConvertOptions& options);
+/// Converts one file. Throws as the commands do.
+ConvertReport convertFile(const ConvertOptions& options);
+/// Throws a UsageError for options that suit no output with an extension, whatever the input is.
+void checkConvertOptions(const ConvertOptions& options, const std::string& extension);
 void runInfo(const std::string& path, bool isJson);
 void runFormats(bool isJson);
+/// All presets, or the options of one for use on a command line.
+void runPresets(const std::string& name, bool isJson);
 /// Refuses, after it has printed the measures, when they are above the limit.
 void runDiff(const DiffOptions& options);
 /// Draws all images of a texture into one PNG file.

@@ -65,6 +65,27 @@ void pickImage(CZORTexture& texture, const ConvertOptions& options, OperationCon
 	cutToImage(texture, level, surface, face);
 }
 
+/// Whether some pixel of the largest image is not opaque. A texture that cannot be looked at counts as opaque.
+bool hasTranslucentPixels(const CZORTexture& texture)
+{
+	CZORTexture pixels = texture;
+	const StandardOutputGuard guard;
+	if (!Transcode(pixels, ZORStandard8PixelType, eVT_UnsignedByteNorm, texture.getColourSpace()))
+	{
+		return false;
+	}
+	const auto* bytes = static_cast<const unsigned char*>(pixels.getDataPtr());
+	const std::size_t count = pixels.getDataSize(0) / 4;
+	for (std::size_t i = 0; i < count; ++i)
+	{
+		if (bytes[4 * i + 3] != 255)
+		{
+			return true;
+		}
+	}
+	return false;
+}
+
 /// What a reader of the result should know of the target's ways.
 void addTargetNotes(const CZORTextureHeader& source, const Target& target, const ConvertOptions& options, OperationContext& context)
 {
@@ -143,16 +164,16 @@ bool hasNameForC(const std::string& path)
 void convert(const ConvertOptions& options, const Container& container, ConvertReport& report)
 {
 	const Progress progress(options.input, options.isQuiet);
-	const TargetRequest request(options.target);
 	const std::optional<EZORTColourSpace> inputSpace = parseColourSpace(options.inputSpace);
-	if (!options.inputSpace.empty() && !inputSpace)
-	{
-		throw UsageError("--input-space: '" + options.inputSpace + "' is neither linear nor srgb");
-	}
-
 	progress.say("loading");
 	LoadedTexture loaded = loadTexture(options.input);
 	CZORTexture& texture = loaded.texture;
+	TargetOptions targetOptions = options.target;
+	if (!options.alphaFormat.empty() && hasTranslucentPixels(texture))
+	{
+		targetOptions.format = options.alphaFormat;
+	}
+	const TargetRequest request(targetOptions);
 	report.input = texture.getHeader();
 	report.inputFileBytes = loaded.fileBytes;
 	if (inputSpace)
@@ -238,6 +259,8 @@ void convert(const ConvertOptions& options, const Container& container, ConvertR
 	report.notes = context.notes;
 }
 
+constexpr const char* kWrongExtension = ": the output's extension must be one of ";
+
 std::string knownExtensions()
 {
 	std::string text;
@@ -249,34 +272,66 @@ std::string knownExtensions()
 }
 } // namespace
 
-void runConvert(const ConvertOptions& options)
+void checkConvertOptions(const ConvertOptions& options, const std::string& extension)
 {
-	const Container* container = containerOf(options.output);
+	const Container* container = containerOf("x." + extension);
 	if (container == nullptr || !container->writes)
 	{
-		throw UsageError(options.output + ": the output's extension must be one of " + knownExtensions());
+		throw UsageError("." + extension + kWrongExtension + knownExtensions());
 	}
-	ConvertOptions checked = options;
-	checked.target.isPng = container->extension == "png";
-	if (checked.slice && !checked.target.isPng)
+	if (options.slice && container->extension != "png")
 	{
 		throw UsageError("--slice: only a PNG file is one slice of a volume");
 	}
-
-	if (!checked.legacyApi.empty() && findLegacyApi(checked.legacyApi) == nullptr)
+	if (!options.legacyApi.empty() && findLegacyApi(options.legacyApi) == nullptr)
 	{
-		throw UsageError("--legacy: '" + checked.legacyApi + "' is none of gl, gl1, gl2, gl3, d3d, d3d1, d3d2, dxgi, openvg");
+		throw UsageError("--legacy: '" + options.legacyApi + "' is none of gl, gl1, gl2, gl3, d3d, d3d1, d3d2, dxgi, openvg");
 	}
-	if (!checked.legacyApi.empty() && container->extension != "zor")
+	if (!options.legacyApi.empty() && container->extension != "zor")
 	{
 		throw UsageError("--legacy: only a .zor file has old versions");
 	}
+	if (!options.inputSpace.empty() && !parseColourSpace(options.inputSpace))
+	{
+		throw UsageError("--input-space: '" + options.inputSpace + "' is neither linear nor srgb");
+	}
+	if (!options.alphaFormat.empty() && options.target.format.empty())
+	{
+		throw UsageError("--alpha-format: it needs a --format for pictures without alpha");
+	}
+	TargetOptions target = options.target;
+	target.isPng = container->extension == "png";
+	const TargetRequest request(target);
+	if (!options.alphaFormat.empty())
+	{
+		target.format = options.alphaFormat;
+		const TargetRequest alphaRequest(target);
+	}
+}
+
+ConvertReport convertFile(const ConvertOptions& options)
+{
+	const Container* const known = containerOf(options.output);
+	if (known == nullptr || !known->writes)
+	{
+		throw UsageError(options.output + kWrongExtension + knownExtensions());
+	}
+	const Container& container = *known;
+	checkConvertOptions(options, std::string(container.extension));
+	ConvertOptions checked = options;
+	checked.target.isPng = container.extension == "png";
 
 	ConvertReport report;
 	report.inputPath = options.input;
 	report.outputPath = options.output;
-	convert(checked, *container, report);
+	convert(checked, container, report);
 	report.outputFileBytes = sizeOfFile(options.output);
+	return report;
+}
+
+void runConvert(const ConvertOptions& options)
+{
+	const ConvertReport report = convertFile(options);
 	if (options.isJson)
 	{
 		std::cout << reportJson(report);

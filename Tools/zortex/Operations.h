@@ -27,6 +27,8 @@ struct Operation
 	/// Changes format, channel type and colour space of a header from the input's to those that hold the result, for an
 	/// output that was not told its own. Empty where the input's do.
 	std::function<void(zortexture::CZORTextureHeader&)> adapt = {};
+	/// The file that is read beside the input; empty for none.
+	std::string file = {};
 };
 
 struct ImageSize

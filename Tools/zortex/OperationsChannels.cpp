@@ -90,9 +90,6 @@ Operation copyChannelOperation(const std::string& destination, const std::string
 			        throw Refusal(context.file, "its channels cannot be copied");
 		        }
 	        },
-	        [destination](CZORTextureHeader& header)
-	        {
-		        widenLayout(header, destination);
-	        }};
+	        [destination](CZORTextureHeader& header) { widenLayout(header, destination); }, file};
 }
 } // namespace zortex

@@ -4,10 +4,14 @@
 #include <iostream>
 #include <new>
 
+#include "Batch/BatchCommand.h"
+#include "Batch/CollectCommand.h"
 #include "CommandLineDocs.h"
 #include "Commands.h"
+#include "ConvertCommandLine.h"
 #include "HelperPrograms.h"
 #include "OperationOptions.h"
+#include "Presets.h"
 #include "Refusal.h"
 
 namespace
@@ -16,6 +20,7 @@ using namespace zortex;
 
 constexpr int kExitRefused = 1;
 constexpr int kExitUsage = 2;
+constexpr int kExitSignal = 128;
 
 constexpr const char* kMainFooter = R"(A first conversion, a look at its result, and back to a picture:
   zortex convert photo.png photo.zor --format tessel1-4bpp-rgb
@@ -23,96 +28,7 @@ constexpr const char* kMainFooter = R"(A first conversion, a look at its result,
   zortex convert photo.zor decoded.png
 
 'zortex COMMAND --help' explains a command, 'zortex formats' lists the formats.
-Exit codes: 0 done, 1 a file stopped the work, 2 wrong command line.)";
-
-constexpr const char* kConvertFooter =
-    R"(IN is a PNG picture or a texture file (.zor, .ktx, .dds, .astc); OUT's extension says what is made: one of these, .png a
-picture, .h a C header with the bytes of a .zor file.
-Without --format a texture keeps its format, and a PNG file gets the closest of its own kinds. Pixels of PNG files are
-taken as sRGB unless the file says that they are linear. Operations run in the order in which they are
-given, before the conversion.
-
-Examples:
-  zortex convert photo.png photo.zor --format tessel1-4bpp-rgb --quality best
-  zortex convert photo.png small.zor --resize 256x256 --format rgb565 --dither
-  zortex convert logo.png logo.zor --bleed --premultiply --format tessel1-4bpp-rgba
-  zortex convert light.png light.zor --space linear --format rgba16f
-  zortex convert photo.png photo.ktx --mips --mip-filter cubic --format etc2-rgb
-  zortex convert height.png normal.zor --normal-map 4:xyz --mips
-  zortex convert photo.png cutout.zor --copy-channel a=l:mask.png --bleed --format etc2-rgba
-  zortex convert cube.zor face.png --face 3 --mip 1)";
-
-/// The command line of 'convert'. Operations are collected in the order in which they stand there.
-class ConvertCommandLine
-{
-public:
-	explicit ConvertCommandLine(CLI::App& program)
-	    : m_app(*program.add_subcommand("convert", "Convert a PNG picture or a texture into another texture or a PNG picture"))
-	{
-		m_app.footer(kConvertFooter);
-		m_app.add_option("IN", m_options.input, "Input file")->required();
-		m_app.add_option("OUT", m_options.output, "Output file")->required();
-
-		TargetOptions& target = m_options.target;
-		const std::string format = "Format";
-		m_app.add_option("--format", target.format, "Format of the output, such as tessel1-4bpp-rgba or rgb565")
-		    ->type_name("NAME")
-		    ->group(format);
-		m_app.add_option("--type", target.type, "Channel type, such as unorm8, snorm16 or float (default: the format's usual one)")
-		    ->type_name("NAME")
-		    ->group(format);
-		m_app.add_option("--space", target.space, "Colour space of the output: linear or srgb (default: the input's)")
-		    ->type_name("SPACE")
-		    ->group(format);
-		m_app.add_option("--input-space", m_options.inputSpace, "Colour space of the input, whatever its file says")
-		    ->type_name("SPACE")
-		    ->group(format);
-		m_app
-		    .add_option("--quality", target.quality,
-		                "fast, normal, high or best, or a number of the format's own (default: normal); best takes minutes for ETC")
-		    ->type_name("Q")
-		    ->group(format);
-		m_app.add_option("--legacy", m_options.legacyApi, "Write a .zor file of version 2, with the numbers of gl, d3d, dxgi or openvg")
-		    ->type_name("API")
-		    ->group(format);
-		m_app.add_flag("--dither", target.dither, "Spread the rounding error of formats with few bits")->group(format);
-
-		m_operations.emplace(m_app);
-
-		const std::string image = "One image of a texture";
-		m_app.add_option("--mip", m_options.level, "MIP level, 0 is the largest")->type_name("N")->group(image);
-		m_app.add_option("--surface", m_options.surface, "Array member")->type_name("N")->group(image);
-		m_app.add_option("--face", m_options.face, "Face of a cube map")->type_name("N")->group(image);
-		m_app.add_option("--slice", m_options.slice, "Depth slice of a volume, for a PNG file")->type_name("N")->group(image);
-
-		const std::string report = "Report";
-		m_app.add_flag("--quiet", m_options.isQuiet, "Print nothing when all went well")->group(report);
-		m_app.add_flag("--json", m_options.isJson, "Print the report as JSON")->group(report);
-	}
-
-	bool isChosen() const
-	{
-		return m_app.parsed();
-	}
-
-	const std::string& inputPath() const
-	{
-		return m_options.input;
-	}
-
-	/// What was asked for. Throws a UsageError.
-	const ConvertOptions& options()
-	{
-		m_options.operations = m_operations->operations();
-		return m_options;
-	}
-
-private:
-	CLI::App& m_app;
-	ConvertOptions m_options;
-	/// Made in the middle of the other options, for the order of the help text.
-	std::optional<OperationOptions> m_operations;
-};
+Exit codes: 0 done, 1 a file stopped the work, 2 wrong command line, 130 or 143 interrupted.)";
 
 constexpr const char* kDiffFooter =
     R"(A and B are textures of any format, or PNG pictures, of one size. Both are decoded to the wider of their two precisions.
@@ -147,6 +63,18 @@ void addDiff(CLI::App& program, CLI::App*& diff, DiffOptions& options)
 	diff->add_option("--ratio", options.ratio, "Share of A in mode blend, 0 to 1")->capture_default_str()->group(picture);
 }
 
+void addCollect(CLI::App& program, CLI::App*& collect, CollectOptions& options)
+{
+	collect = program.add_subcommand("collect", "Merge the reports of a batch's shares, and list what is still to be converted");
+	collect->add_option("REPORT", options.reports, "Report files, folders of them, or patterns")->required();
+	collect->add_option("--list", options.list, "The list that the shares were cut from: files that no report tells of are not converted")
+	    ->type_name("FILE");
+	collect->add_option("--report", options.output, "Write the merged report")->type_name("OUT");
+	collect->add_option("--failed", options.failed, "Write the files that are not converted as a list for 'convert --list'")
+	    ->type_name("OUT");
+	collect->add_flag("--json", options.isJson, "Print the merged report as JSON");
+}
+
 /// Runs a command and turns what it throws into an exit code and a line on standard error.
 template<typename Command>
 int run(const std::string& file, Command command)
@@ -165,6 +93,10 @@ int run(const std::string& file, Command command)
 	{
 		std::cerr << "zortex: " << error.what() << "\n";
 		return kExitUsage;
+	}
+	catch (const Interrupted& interruption)
+	{
+		return kExitSignal + interruption.signal;
 	}
 	catch (const std::bad_alloc&)
 	{
@@ -198,6 +130,13 @@ int runProgram(int argc, char** argv)
 	info->add_flag("--json", isJson, "Print it as JSON");
 	CLI::App* formats = program.add_subcommand("formats", "List the formats, and what can be done with each");
 	formats->add_flag("--json", isJson, "Print the list as JSON");
+	std::string presetName;
+	CLI::App* presets = program.add_subcommand("presets", "List the presets of 'convert', or print the options of one");
+	presets->add_option("NAME", presetName, "A preset");
+	presets->add_flag("--json", isJson, "Print them as JSON");
+	CLI::App* collect = nullptr;
+	CollectOptions collectOptions;
+	addCollect(program, collect, collectOptions);
 	CLI::App* diff = nullptr;
 	DiffOptions diffOptions;
 	addDiff(program, diff, diffOptions);
@@ -211,10 +150,16 @@ int runProgram(int argc, char** argv)
 	try
 	{
 		std::vector<std::string> arguments(argv + 1, argv + argc);
+		expandPreset(arguments);
 		OperationOptions::completeArguments(arguments);
 		// The parser takes them from the last one on.
 		std::reverse(arguments.begin(), arguments.end());
 		program.parse(arguments);
+	}
+	catch (const UsageError& error)
+	{
+		std::cerr << "zortex: " << error.what() << "\n";
+		return kExitUsage;
 	}
 	catch (const CLI::ParseError& error)
 	{
@@ -228,7 +173,7 @@ int runProgram(int argc, char** argv)
 
 	if (convertLine.isChosen())
 	{
-		return run(convertLine.inputPath(), [&convertLine]() { runConvert(convertLine.options()); });
+		return run(convertLine.subject(), [&convertLine]() { convertLine.run(); });
 	}
 	if (info->parsed())
 	{
@@ -245,6 +190,14 @@ int runProgram(int argc, char** argv)
 	if (generate->parsed())
 	{
 		return run(generateOptions.output, [&program, &generateOptions]() { runGenerate(program, generateOptions); });
+	}
+	if (presets->parsed())
+	{
+		return run("presets", [&presetName, isJson]() { runPresets(presetName, isJson); });
+	}
+	if (collect->parsed())
+	{
+		return run("collect", [&collectOptions]() { runCollect(collectOptions); });
 	}
 	return run("formats", [isJson]() { runFormats(isJson); });
 }

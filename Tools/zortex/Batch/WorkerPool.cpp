@@ -1,0 +1,228 @@
+#include "WorkerPool.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <iostream>
+#include <stdexcept>
+#include <sys/select.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+namespace zortex
+{
+namespace
+{
+constexpr int kWatchedSignals[] = {SIGINT, SIGTERM, SIGCHLD};
+
+volatile std::sig_atomic_t receivedSignal = 0;
+
+struct sigaction oldActions[std::size(kWatchedSignals)];
+sigset_t oldMask;
+
+void takeSignal(int signal)
+{
+	if (signal != SIGCHLD)
+	{
+		receivedSignal = signal;
+	}
+}
+
+sigset_t watchedSet()
+{
+	sigset_t set;
+	sigemptyset(&set);
+	for (const int signal : kWatchedSignals)
+	{
+		sigaddset(&set, signal);
+	}
+	return set;
+}
+} // namespace
+
+SignalWatch::SignalWatch()
+{
+	receivedSignal = 0;
+	const sigset_t watched = watchedSet();
+	// Blocked, so that they arrive inside wait() alone and none is missed.
+	sigprocmask(SIG_BLOCK, &watched, &oldMask);
+	for (std::size_t i = 0; i < std::size(kWatchedSignals); ++i)
+	{
+		struct sigaction action = {};
+		action.sa_handler = takeSignal;
+		sigaction(kWatchedSignals[i], &action, &oldActions[i]);
+	}
+}
+
+SignalWatch::~SignalWatch()
+{
+	release();
+}
+
+void SignalWatch::wait(int milliseconds) const
+{
+	timespec time = {milliseconds / 1000, milliseconds % 1000 * 1000000L};
+	sigset_t open = oldMask;
+	for (const int signal : kWatchedSignals)
+	{
+		sigdelset(&open, signal);
+	}
+	pselect(0, nullptr, nullptr, nullptr, &time, &open);
+}
+
+int SignalWatch::received() const
+{
+	return receivedSignal;
+}
+
+void SignalWatch::release() const
+{
+	for (std::size_t i = 0; i < std::size(kWatchedSignals); ++i)
+	{
+		sigaction(kWatchedSignals[i], &oldActions[i], nullptr);
+	}
+	sigprocmask(SIG_SETMASK, &oldMask, nullptr);
+}
+
+WorkerPool::WorkerPool(unsigned int workers, const SignalWatch& signals) : m_limit(workers), m_signals(signals)
+{
+}
+
+WorkerPool::~WorkerPool()
+{
+	stop();
+}
+
+bool WorkerPool::isFull() const
+{
+	return m_workers.size() >= m_limit;
+}
+
+bool WorkerPool::isEmpty() const
+{
+	return m_workers.empty();
+}
+
+void WorkerPool::start(std::size_t index, const std::function<std::string()>& task)
+{
+	Worker worker = {0, index, File(std::tmpfile()), File(std::tmpfile())};
+	if (!worker.text || !worker.messages)
+	{
+		throw std::runtime_error(std::string("no temporary file for a worker: ") + std::strerror(errno));
+	}
+	std::cout.flush();
+	std::cerr.flush();
+	std::fflush(nullptr);
+	worker.process = fork();
+	if (worker.process < 0)
+	{
+		throw std::runtime_error(std::string("no process for a worker: ") + std::strerror(errno));
+	}
+	if (worker.process == 0)
+	{
+		runTask(task, worker.text.get(), worker.messages.get());
+	}
+	// Here too, so that the group exists before anybody signals it.
+	setpgid(worker.process, worker.process);
+	m_workers.push_back(std::move(worker));
+}
+
+void WorkerPool::runTask(const std::function<std::string()>& task, std::FILE* text, std::FILE* messages) const
+{
+	// A group of its own: what the worker starts can be ended with it.
+	setpgid(0, 0);
+#ifdef __linux__
+	prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+	m_signals.release();
+	const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+	if (nowhere >= 0)
+	{
+		dup2(nowhere, STDIN_FILENO);
+		dup2(nowhere, STDOUT_FILENO);
+	}
+	dup2(fileno(messages), STDERR_FILENO);
+
+	int exitCode = 1;
+	try
+	{
+		const std::string result = task();
+		const bool isWritten = std::fwrite(result.data(), 1, result.size(), text) == result.size() && std::fflush(text) == 0;
+		exitCode = isWritten ? 0 : 1;
+	}
+	catch (...)
+	{
+		// The task's own errors are part of its result: what comes here is lack of memory.
+		std::fputs("not enough memory\n", stderr);
+	}
+	std::cerr.flush();
+	std::fflush(stderr);
+	_exit(exitCode);
+}
+
+std::string WorkerPool::contentsOf(std::FILE* file)
+{
+	std::string contents;
+	char buffer[4096];
+	std::rewind(file);
+	std::size_t count = 0;
+	while ((count = std::fread(buffer, 1, sizeof(buffer), file)) > 0)
+	{
+		contents.append(buffer, count);
+	}
+	return contents;
+}
+
+std::vector<WorkerPool::Outcome> WorkerPool::collect()
+{
+	std::vector<Outcome> outcomes;
+	for (std::size_t i = 0; i < m_workers.size();)
+	{
+		int status = 0;
+		const pid_t ended = waitpid(m_workers[i].process, &status, WNOHANG);
+		if (ended == 0 || (ended < 0 && errno == EINTR))
+		{
+			++i;
+			continue;
+		}
+		Outcome outcome = {m_workers[i].index, "", "", contentsOf(m_workers[i].messages.get())};
+		if (ended > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0)
+		{
+			outcome.text = contentsOf(m_workers[i].text.get());
+		}
+		else if (ended > 0 && WIFSIGNALED(status))
+		{
+			outcome.death = std::string("its worker was ended by a signal: ") + strsignal(WTERMSIG(status));
+		}
+		else
+		{
+			outcome.death = "its worker ended early, with exit code " + std::to_string(WEXITSTATUS(status));
+		}
+		outcomes.push_back(std::move(outcome));
+		m_workers.erase(m_workers.begin() + static_cast<std::ptrdiff_t>(i));
+	}
+	return outcomes;
+}
+
+std::vector<pid_t> WorkerPool::stop()
+{
+	std::vector<pid_t> processes;
+	for (const Worker& worker : m_workers)
+	{
+		kill(-worker.process, SIGKILL);
+		processes.push_back(worker.process);
+	}
+	for (const pid_t process : processes)
+	{
+		while (waitpid(process, nullptr, 0) < 0 && errno == EINTR)
+		{
+		}
+	}
+	m_workers.clear();
+	return processes;
+}
+} // namespace zortex
