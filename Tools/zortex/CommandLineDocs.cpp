@@ -281,7 +281,7 @@ std::string bashCompletion(const CLI::App& program)
 	std::string values;
 	for (const auto& [name, list] : words)
 	{
-		values += "\t" + name + ") words=\"" + list + "\" ;;\n";
+		values.append("\t").append(name).append(") words=\"").append(list).append("\" ;;\n");
 	}
 	return "# Completion of " + program.get_name() + " for bash. Written by '" + program.get_name() + R"( generate bash'.
 _zortex() {
@@ -334,7 +334,8 @@ std::string zshCompletion(const CLI::App& program)
 				const std::string value =
 				    !takesValue(*option) ? ""
 				                         : ":" + zshText(option->get_type_name()) + ":" + (words.empty() ? "_files" : "(" + words + ")");
-				cases += " \\\n\t\t\t'*" + name + "[" + zshText(option->get_description()) + "]" + value + "'";
+				cases.append(" \\\n\t\t\t'*").append(name).append("[");
+				cases.append(zshText(option->get_description())).append("]").append(value).append("'");
 			}
 		}
 		cases += " \\\n\t\t\t'*:file:_files'\n\t\t;;\n";
