@@ -53,6 +53,9 @@ expect libzortexlib-dev "$runtime \\(= $version\\)" "usr/lib/$multiarch/libZORTe
 	usr/share/doc/libzortexlib-dev/examples/inspect.cpp
 expect zortex "$runtime \\(= $version\\).*libpng16" usr/bin/zortex usr/share/man/man1/zortex.1 \
 	usr/share/bash-completion/completions/zortex
+if [ -f "$build/Tools/astcenc/astcenc" ]; then
+	expect zortex libastcenc usr/libexec/ZORTexLib/astcenc
+fi
 test "$(find "$scratch/packages" -maxdepth 1 -name '*.deb' | wc -l)" = 3
 
 usr=$scratch/root/usr

@@ -47,6 +47,9 @@ apt-get install -y --no-install-recommends ./build/package/*.deb >/dev/null
 zortex --version
 zortex convert photo.png photo.ktx --resize 512x512 --mips --format etc2-rgba --quality 0
 zortex info photo.ktx
+if [ -f /usr/libexec/ZORTexLib/astcenc ]; then
+	zortex convert photo.png photo.astc --format astc-6x6 --quality fast
+fi
 test -f /usr/share/man/man1/zortex.1
 apt-get install -y --no-install-recommends g++ pkg-config >/dev/null
 for example in inspect measure; do
