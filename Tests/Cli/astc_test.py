@@ -127,11 +127,14 @@ class Program(AstcTest):
             if name == "short":
                 self.write("short.ktx", self.read("a.ktx")[:-1])
             self.refused("-c", name + ".ktx", "b.astc", "6x5", "-fast")
+        self.assertFalse(os.path.exists(self.path("b.astc")))
         self.write("short.astc", self.read("a.astc")[:-1])
         # Few blocks, and more pixels than 32 bits count.
         self.write("huge.astc", struct.pack("<I12B", 0x5CA1AB13, 12, 12, 1, *b"\xff\xff\xff" * 3))
-        for name in ("short", "none", "huge"):
+        self.write("empty.astc", struct.pack("<I12B", 0x5CA1AB13, 4, 4, 1, 0, 0, 0, 4, 0, 0, 1, 0, 0) + bytes(16))
+        for name in ("short", "none", "huge", "empty"):
             self.refused("-dl", name + ".astc", "b.ktx")
+        self.assertFalse(os.path.exists(self.path("b.ktx")))
 
     def test_full_disk(self):
         self.make_files()
@@ -139,6 +142,7 @@ class Program(AstcTest):
                  "restore_signals": False}  # Python ignores the limit's signal, and so shall its child
         self.refused("-c", "a.ktx", "b.astc", "6x5", "-fast", **limit)
         self.refused("-dl", "a.astc", "b.ktx", **limit)
+        self.assertEqual([name for name in os.listdir(self.folder) if name.startswith("b.")], [])
 
 
 if __name__ == "__main__":

@@ -61,11 +61,13 @@ unsigned int numThreads(const CZORTexture& blocks)
 	return std::min(worthwhile, std::max(1u, std::thread::hardware_concurrency()));
 }
 
-/// A texture for the result. What has no pixels, or more bytes than a texture can hold, is refused before anything walks over it.
+/// A texture for the result. What has no pixels, or more bytes than a texture can hold, is refused before anything walks over it. (A
+/// dimension of 0 counts as 1 in a size.)
 CZORTexture makeResult(const CZORTextureHeader& header)
 {
 	CZORTexture result(header);
-	if (!result.isDataComplete() || result.getDataSize() == 0)
+	const ZORTextureHeaderV3 fields = header.getFileHeader();
+	if (fields.width == 0 || fields.height == 0 || fields.depth == 0 || !result.isDataComplete())
 	{
 		throw std::runtime_error("the image is empty or too large");
 	}

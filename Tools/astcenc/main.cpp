@@ -101,11 +101,13 @@ void decompress(const std::string& input, const std::string& output, bool isSRGB
 	{
 		refuse(input, "is no .astc file");
 	}
+	const CZORTexture pixels = decode(blocks, isSRGB); // a file that is refused leaves the output as it was
 	std::ofstream out(output, std::ios_base::binary);
-	decode(blocks, isSRGB).toKTX(out);
+	pixels.toKTX(out);
 	out.close();
 	if (!out)
 	{
+		std::remove(output.c_str()); // what came of it is of no use
 		refuse(output, "cannot be written");
 	}
 }
