@@ -24,7 +24,7 @@ ZORT_API unsigned int getASTCBlockSizes(EZORTPixelFormat format);
 /// @param quality  0 to 4, from fastest to exhaustive; any other number acts as 2.
 /// @return the bytes written. 0, with nothing written, for a null pointer, a block size that no format has, an image without
 ///         pixels or of 2^32 bytes and more, and when the program is missing, fails, or makes an image of another kind. What a
-///         program that ends with an exit code of failure has written of its .astc file stays in the temporary folder.
+///         program that is killed or ends with an exit code of failure has written of its .astc file stays in the temporary folder.
 ZORT_API unsigned int ASTCCompress(const void* source, void* destination, unsigned int width, unsigned int height, unsigned int depth,
                                    unsigned char blockWidth, unsigned char blockHeight, unsigned char blockDepth, int quality);
 

@@ -33,7 +33,8 @@ ZORT_API unsigned int ETCDecompress(const void* source, void* destination, const
 ///                  not encoded, only those found in `destination` are byte-swapped.
 /// @param isSigned  the EAC formats hold signed values; at qualities up to 3 the other formats refuse it.
 /// @return bytes written, also as the answer to a size query (a null pointer or an empty image); 0 for a quality above 5 or a
-///         combination that is not supported.
+///         combination that is not supported, and, with a line on standard output, when the tables of an exhaustive search find no
+///         memory.
 ZORT_API unsigned int ETCCompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height, int quality,
                                   unsigned int format, bool isSigned);
 
