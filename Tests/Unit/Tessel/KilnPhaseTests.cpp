@@ -210,3 +210,36 @@ TEST(KilnPhase, LeavesGoodBlocksAloneUnlessModesChanged)
 	EXPECT_NE(run.words(), start);
 	EXPECT_NE(run.blocks[3][4].tag, 0);
 }
+
+// Beside the rough pairs of the first statistics a block alone would not gain by the exact pair.
+TEST(KilnPhase, AFlatAreaTakesOnePairAtOnce)
+{
+	for (const int grey : {3, 25, 127, 130, 248})
+	{
+		SCOPED_TRACE(grey);
+		KilnRun run(4, true);
+		run.settings.iterations = 1;
+		const auto level = static_cast<std::uint8_t>(grey);
+		const KilnColour colour = {level, level, level, 255};
+		run.image.pixels.assign(run.image.pixels.size(), colour);
+		for (std::vector<KilnBlock>& row : run.blocks)
+		{
+			for (KilnBlock& block : row)
+			{
+				block.singleColour = true;
+				block.colour = colour;
+			}
+		}
+		run.pass(1);
+		for (const std::vector<KilnBlock>& row : run.blocks)
+		{
+			for (const KilnBlock& block : row)
+			{
+				EXPECT_EQ(block.current().pair, run.blocks[0][0].current().pair);
+				EXPECT_EQ(block.currentMode, run.blocks[0][0].currentMode);
+			}
+		}
+		// One level off in each channel.
+		EXPECT_LE(run.error(), 3.0 * static_cast<double>(run.image.pixels.size()));
+	}
+}

@@ -171,7 +171,7 @@ void* RunAnOptimisePhaseThread(void* threadRecord)
 	const KilnSettings& settings = *record.settings;
 	region->settings = &settings;
 	InitialisePackedFittingParams(region->params);
-	const bool firstPass = settings.iterations <= 1;
+	region->firstPass = settings.iterations <= 1;
 	for (int index = record.firstRow; index < record.endRow; ++index)
 	{
 		const int blockY = 2 * index + record.parity;
@@ -185,7 +185,7 @@ void* RunAnOptimisePhaseThread(void* threadRecord)
 				continue;
 			}
 			enterBlock(*region, record, blockX, blockY);
-			region->limit = trialLimit(block, firstPass);
+			region->limit = trialLimit(block, region->firstPass);
 			optimiseBlock(*region, *record.blocks);
 		}
 	}

@@ -22,8 +22,10 @@ struct OptimiseRegion
 	KilnNeighbourModes modes;
 	/// Which of the nine blocks are the block itself: the middle one, and others where the image is one block wide or high.
 	std::array<bool, 9> isSelf = {};
-	/// All nine blocks are of a single colour each.
+	/// The windows of all nine blocks are of a single colour each, and so, since they overlap, of the same.
 	bool flatNeighbourhood = false;
+	/// In force in the first pass, in which the neighbours have only the pairs of the statistics.
+	bool firstPass = false;
 	/// In force when useRegions is set.
 	KilnRegions regions;
 	bool useRegions = false;
