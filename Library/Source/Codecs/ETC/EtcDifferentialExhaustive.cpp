@@ -104,6 +104,10 @@ unsigned int search(Seed&& seed, const unsigned char* source, unsigned int width
 	const unsigned int seedError = seed(source, width, startX, startY, word1, word2, halves);
 	Pair best{std::min(seedError, bound)};
 	fillHalfErrors<Scale>(loadBlockColumns(source, width, startX, startY), best.error, space);
+	// No second colour is better than the best of all.
+	const auto& [lefts, rights, tops, bottoms] = space.halfErrors;
+	const unsigned int leastRight = *std::min_element(std::begin(rights), std::end(rights));
+	const unsigned int leastBottom = *std::min_element(std::begin(bottoms), std::end(bottoms));
 	for (int red = 0; red < kLevels; ++red)
 	{
 		for (int green = 0; green < kLevels; ++green)
@@ -111,7 +115,7 @@ unsigned int search(Seed&& seed, const unsigned char* source, unsigned int width
 			for (int blue = 0; blue < kLevels; ++blue)
 			{
 				const unsigned int index = colourIndex(red, green, blue);
-				if (std::min(space.halfErrors[kLeftHalf][index], space.halfErrors[kTopHalf][index]) < best.error)
+				if (std::min(lefts[index] + leastRight, tops[index] + leastBottom) < best.error)
 				{
 					searchSecondColours(space, red, green, blue, best);
 				}

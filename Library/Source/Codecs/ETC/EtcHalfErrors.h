@@ -3,9 +3,9 @@
 #pragma once
 
 #include <algorithm>
-#include <limits>
 
 #include "Codecs/ETC/EtcExhaustiveSearch.h"
+#include "Codecs/ETC/EtcLanes.h"
 #include "Codecs/ETC/EtcSearchSpace.h"
 #include "Codecs/ETC/EtcSearchTexels.h"
 #include "Codecs/ETC/EtcTables.h"
@@ -17,9 +17,9 @@ struct HalfErrors
 {
 	unsigned int at[4];
 
-	[[nodiscard]] bool anyBelow(unsigned int bound) const
+	[[nodiscard]] unsigned int least() const
 	{
-		return std::min({at[0], at[1], at[2], at[3]}) < bound;
+		return std::min(std::min(at[0], at[1]), std::min(at[2], at[3]));
 	}
 };
 
@@ -44,68 +44,103 @@ void precomputeModifierErrors(const SearchTexels<16>& texels, unsigned int chann
 /// sum = a + b. All entries stay true errors of one table and one modifier, so that channels never mix modifiers.
 inline void addModifierErrors(const ModifierErrors& a, const ModifierErrors& b, ModifierErrors& sum)
 {
+	using namespace etc_lanes;
 	for (unsigned int texel = 0; texel < 16; ++texel)
 	{
 		for (unsigned int column = 0; column < 4; ++column)
 		{
-			for (unsigned int table = 0; table < 8; ++table)
-			{
-				sum.at[texel][column][table] = a.at[texel][column][table] + b.at[texel][column][table];
-			}
+			(UInt31x8::load(a.at[texel][column]) + UInt31x8::load(b.at[texel][column])).store(sum.at[texel][column]);
 		}
 	}
 }
 
-/// The best modifier of every texel, the best table of every half. With fewer than three channels these are lower bounds.
-inline HalfErrors leastHalfErrors(const ModifierErrors& errors)
+/// The best modifier of every texel for the sum of two errors. With fewer than three channels these are lower bounds.
+inline TableErrors sumByTables(const ModifierErrors& a, const ModifierErrors& b)
 {
-	unsigned int quadrants[2][2][8] = {}; // by side, by row of quadrants
-	for (unsigned int texel = 0; texel < 16; ++texel)
+	using namespace etc_lanes;
+	UInt31x8 quadrants[2][2]; // by side, by row of quadrants
+	for (unsigned int quadrant = 0; quadrant < 4; ++quadrant)
 	{
-		unsigned int(&sums)[8] = quadrants[texel / 8][texel % 4 / 2];
-		for (unsigned int table = 0; table < 8; ++table)
+		UInt31x8 sum = UInt31x8::filled(0);
+		for (const unsigned int offset : {0U, 1U, 4U, 5U})
 		{
-			const auto& modifiers = errors.at[texel];
-			sums[table] += std::min(std::min(modifiers[0][table], modifiers[1][table]), std::min(modifiers[2][table], modifiers[3][table]));
+			const unsigned int texel = quadrant / 2 * 8 + quadrant % 2 * 2 + offset;
+			UInt31x8 best = UInt31x8::load(a.at[texel][0]) + UInt31x8::load(b.at[texel][0]);
+			for (unsigned int column = 1; column < 4; ++column)
+			{
+				best = least(best, UInt31x8::load(a.at[texel][column]) + UInt31x8::load(b.at[texel][column]));
+			}
+			sum = sum + best;
 		}
+		quadrants[quadrant / 2][quadrant % 2] = sum;
 	}
+	TableErrors halves;
+	(quadrants[0][0] + quadrants[0][1]).store(halves.at[kLeftHalf]);
+	(quadrants[1][0] + quadrants[1][1]).store(halves.at[kRightHalf]);
+	(quadrants[0][0] + quadrants[1][0]).store(halves.at[kTopHalf]);
+	(quadrants[0][1] + quadrants[1][1]).store(halves.at[kBottomHalf]);
+	return halves;
+}
 
-	constexpr unsigned int kMax = std::numeric_limits<unsigned int>::max();
-	HalfErrors halves{{kMax, kMax, kMax, kMax}};
-	for (unsigned int table = 0; table < 8; ++table)
+/// The best table of every half for the sum of two errors.
+inline HalfErrors leastOverTables(const TableErrors& a, const TableErrors& b)
+{
+	using namespace etc_lanes;
+	HalfErrors halves;
+	for (unsigned int half = 0; half < 4; ++half)
 	{
-		halves.at[kLeftHalf] = std::min(halves.at[kLeftHalf], quadrants[0][0][table] + quadrants[0][1][table]);
-		halves.at[kRightHalf] = std::min(halves.at[kRightHalf], quadrants[1][0][table] + quadrants[1][1][table]);
-		halves.at[kTopHalf] = std::min(halves.at[kTopHalf], quadrants[0][0][table] + quadrants[1][0][table]);
-		halves.at[kBottomHalf] = std::min(halves.at[kBottomHalf], quadrants[0][1][table] + quadrants[1][1][table]);
+		halves.at[half] = leastLane(UInt31x8::load(a.at[half]) + UInt31x8::load(b.at[half]));
 	}
 	return halves;
 }
 
 /// Calls visit(red, green, blue, errors) for the base colours of `Levels` levels a channel, in this order of counting. Colours
-/// are left out where red, or red and green, alone cost every half as much as the bound, which may fall during the walk.
+/// are left out where red, or red and green, alone cost every half as much as the bound, which may fall during the walk. They are
+/// also left out where every half costs more than the bound already when each channel has modifiers of its own: that sum takes no
+/// walk over the texels.
 template<unsigned int Levels, typename Visit>
 void visitBaseColours(const ModifierErrors (&errors)[3][32], const unsigned int& bound, Visit&& visit)
 {
+	constexpr ModifierErrors kNoErrors = {};
+	constexpr TableErrors kNoTableErrors = {};
+	TableErrors greens[Levels];
+	TableErrors blues[Levels];
+	for (unsigned int level = 0; level < Levels; ++level)
+	{
+		greens[level] = sumByTables(errors[1][level], kNoErrors);
+		blues[level] = sumByTables(errors[2][level], kNoErrors);
+	}
+	const auto mayBeWithin = [&bound](const TableErrors& a, const TableErrors& b)
+	{
+		return leastOverTables(a, b).least() <= bound;
+	};
+
 	ModifierErrors redGreen;
-	ModifierErrors all;
 	for (unsigned int red = 0; red < Levels; ++red)
 	{
-		if (!leastHalfErrors(errors[0][red]).anyBelow(bound))
+		const TableErrors reds = sumByTables(errors[0][red], kNoErrors);
+		if (leastOverTables(reds, kNoTableErrors).least() >= bound)
 		{
 			continue;
 		}
 		for (unsigned int green = 0; green < Levels; ++green)
 		{
+			if (!mayBeWithin(reds, greens[green]))
+			{
+				continue;
+			}
 			addModifierErrors(errors[0][red], errors[1][green], redGreen);
-			if (!leastHalfErrors(redGreen).anyBelow(bound))
+			const TableErrors redGreens = sumByTables(redGreen, kNoErrors);
+			if (leastOverTables(redGreens, kNoTableErrors).least() >= bound)
 			{
 				continue;
 			}
 			for (unsigned int blue = 0; blue < Levels; ++blue)
 			{
-				addModifierErrors(redGreen, errors[2][blue], all);
-				visit(red, green, blue, leastHalfErrors(all));
+				if (mayBeWithin(redGreens, blues[blue]))
+				{
+					visit(red, green, blue, leastOverTables(sumByTables(redGreen, errors[2][blue]), kNoTableErrors));
+				}
 			}
 		}
 	}

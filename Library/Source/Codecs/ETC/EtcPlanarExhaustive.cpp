@@ -84,13 +84,19 @@ ChannelResult searchChannel(const CPlanarChannel& channel, unsigned int bound, c
 	{
 		return static_cast<int>(expandBits(level, Bits));
 	};
-	for (unsigned int vertical = 0; vertical < kLevels; ++vertical)
+	unsigned int leastColumns[kLevels];
+	unsigned int leastDiagonals[kLevels];
+	for (unsigned int other = 0; other < kLevels; ++other)
 	{
-		for (unsigned int other = 0; other < kLevels; ++other)
+		auto& columns = space.columnErrors[other];
+		auto& diagonals = space.diagonalErrors[other];
+		for (unsigned int vertical = 0; vertical < kLevels; ++vertical)
 		{
-			space.columnErrors[other][vertical] = channel.columnError(colour(other), colour(vertical));
-			space.diagonalErrors[other][vertical] = channel.diagonalError(colour(other), colour(vertical));
+			columns[vertical] = channel.columnError(colour(other), colour(vertical));
+			diagonals[vertical] = channel.diagonalError(colour(other), colour(vertical));
 		}
+		leastColumns[other] = *std::min_element(columns, columns + kLevels);
+		leastDiagonals[other] = *std::min_element(diagonals, diagonals + kLevels);
 	}
 
 	ChannelResult best = seed;
@@ -100,7 +106,7 @@ ChannelResult searchChannel(const CPlanarChannel& channel, unsigned int bound, c
 		for (unsigned int horizontal = 0; horizontal < kLevels; ++horizontal)
 		{
 			const unsigned int rowError = channel.rowError(colour(origin), colour(horizontal), limit);
-			if (rowError >= limit)
+			if (rowError + leastColumns[origin] + leastDiagonals[horizontal] >= limit)
 			{
 				continue;
 			}

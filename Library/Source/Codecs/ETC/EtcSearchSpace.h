@@ -9,20 +9,26 @@ namespace zortexture
 {
 /// Squared errors of the 16 texels (column by column) for one base colour, or for one channel of it: with each of the four modifiers
 /// of each table. The tables stand side by side because searches work on all of them at once.
-struct ModifierErrors
+struct alignas(16) ModifierErrors
 {
 	unsigned int at[16][4][8];
 };
 
+/// The errors of left, right, top and bottom half with each table.
+struct alignas(16) TableErrors
+{
+	unsigned int at[4][8];
+};
+
 /// What the 16 texels of a block (row by row) cost for one colour of a T or H block, or for its first channels, at each of the 8
 /// distances: the least over the paint colours that come of it. Scaled down to 15 bits, see EtcThExhaustive.cpp.
-struct PaintErrors
+struct alignas(16) PaintErrors
 {
 	std::int16_t at[16][8];
 };
 
 /// Squared errors of the 16 texels for one level of one channel of a T or H block, lowered by each distance, as it is, and raised.
-struct OffsetErrors
+struct alignas(16) OffsetErrors
 {
 	unsigned int at[3][16][8];
 };

@@ -5,9 +5,9 @@
 /// The tables hold errors scaled down and rounded down to 15 bits, so that eight distances fit a register. Their sums never exceed
 /// the true error scaled down, so that a pair they refuse is never better than the bound; a pair that passes is measured exactly.
 #include <algorithm>
-#include <cstring>
 
 #include "Codecs/ETC/EtcExhaustiveSearch.h"
+#include "Codecs/ETC/EtcLanes.h"
 #include "Codecs/ETC/EtcSearchSpace.h"
 #include "Codecs/ETC/EtcThSearch.h"
 
@@ -23,7 +23,31 @@ enum class Paint
 	OnlyShifted ///< Both colours of H: lighter and darker.
 };
 
-constexpr std::int16_t kPaintErrorCeiling = 32767;
+using namespace etc_lanes;
+
+constexpr unsigned int kPaintErrorCeiling = 32767;
+constexpr OffsetErrors kNoOffsets = {};
+
+/// The texels in an order in which the first ones differ most: each is the one farthest from all before it. Pairs of colours that do not
+/// fit a block are then refused by its first texels.
+SearchTexels<16> sortByContrast(const SearchTexels<16>& texels)
+{
+	SearchTexels<16> sorted = texels;
+	unsigned int distances[16]; // to the nearest of the sorted ones
+	std::fill_n(distances, 16, PlainScale::kBlockCeiling);
+	for (unsigned int count = 1; count < 16; ++count)
+	{
+		unsigned int farthest = count;
+		for (unsigned int i = count; i < 16; ++i)
+		{
+			distances[i] = std::min(distances[i], colourError<PlainScale>(sorted.rgb[i], sorted.rgb[count - 1]));
+			farthest = distances[i] > distances[farthest] ? i : farthest;
+		}
+		std::swap(distances[count], distances[farthest]);
+		std::swap(sorted.rgb[count], sorted.rgb[farthest]);
+	}
+	return sorted;
+}
 
 /// Fills the errors of one level of a channel.
 template<typename Scale>
@@ -50,45 +74,47 @@ void addOffsets(const OffsetErrors& a, const OffsetErrors& b, OffsetErrors& sum)
 	{
 		for (unsigned int texel = 0; texel < 16; ++texel)
 		{
-			for (unsigned int distance = 0; distance < 8; ++distance)
-			{
-				sum.at[shift][texel][distance] = a.at[shift][texel][distance] + b.at[shift][texel][distance];
-			}
+			(UInt31x8::load(a.at[shift][texel]) + UInt31x8::load(b.at[shift][texel])).store(sum.at[shift][texel]);
 		}
 	}
 }
 
-/// The least over the paint colours, scaled down.
+/// The least over the paint colours for the sum of two errors, scaled down.
 template<Paint Kind>
-void leastOverPaint(const OffsetErrors& offsets, unsigned int scale, PaintErrors& errors)
+void leastOverPaint(const OffsetErrors& a, const OffsetErrors& b, unsigned int scale, PaintErrors& errors)
 {
 	for (unsigned int texel = 0; texel < 16; ++texel)
 	{
-		for (unsigned int distance = 0; distance < 8; ++distance)
+		const auto sum = [&a, &b, texel](unsigned int shift)
 		{
-			unsigned int least = offsets.at[1][texel][distance];
-			if constexpr (Kind != Paint::Alone)
-			{
-				const unsigned int shifted = std::min(offsets.at[0][texel][distance], offsets.at[2][texel][distance]);
-				least = Kind == Paint::WithBoth ? std::min(least, shifted) : shifted;
-			}
-			errors.at[texel][distance] = static_cast<std::int16_t>(std::min(least >> scale, static_cast<unsigned int>(kPaintErrorCeiling)));
+			return UInt31x8::load(a.at[shift][texel]) + UInt31x8::load(b.at[shift][texel]);
+		};
+		UInt31x8 best = sum(Kind == Paint::Alone ? 1 : 0);
+		if constexpr (Kind != Paint::Alone)
+		{
+			best = least(best, sum(2));
 		}
+		if constexpr (Kind == Paint::WithBoth)
+		{
+			best = least(best, sum(1));
+		}
+		storeScaled(best, scale, errors.at[texel]);
 	}
 }
 
-/// Whether, at any distance, the texels with the better colour of both cost at most the limit. Sums stop at the ceiling.
-bool passes(const PaintErrors& first, const PaintErrors& second, int limit)
+/// Whether, at any distance, the texels with the better colour of both cost less than the limit. Sums stop at the ceiling.
+bool passes(const PaintErrors& first, const PaintErrors& second, Int16x8 limit)
 {
-	int sums[8] = {};
+	Int16x8 sum = Int16x8::filled(0);
 	for (unsigned int texel = 0; texel < 16; ++texel)
 	{
-		for (unsigned int distance = 0; distance < 8; ++distance)
+		sum = addSaturated(sum, least(Int16x8::load(first.at[texel]), Int16x8::load(second.at[texel])));
+		if (texel == 3 && !anyBelow(sum, limit))
 		{
-			sums[distance] += std::min(first.at[texel][distance], second.at[texel][distance]);
+			return false;
 		}
 	}
-	return *std::min_element(std::begin(sums), std::end(sums)) <= limit;
+	return anyBelow(sum, limit);
 }
 
 /// The search on one block. The first colour of a pair is the one that carries the distance in T, the lower one in H.
@@ -100,20 +126,21 @@ public:
 	{
 		m_best.error = bound;
 		// As exact as the bound lets the tables be.
-		while (bound >> m_scale >= static_cast<unsigned int>(kPaintErrorCeiling))
+		while (bound >> m_scale >= kPaintErrorCeiling)
 		{
 			++m_scale;
 		}
+		const SearchTexels<16> sorted = sortByContrast(texels);
 		for (unsigned int channel = 0; channel < 3; ++channel)
 		{
 			for (unsigned int level = 0; level < 16; ++level)
 			{
-				precomputeOffsets<Scale>(texels, channel, level, space.offsetErrors[channel][level]);
+				precomputeOffsets<Scale>(sorted, channel, level, space.offsetErrors[channel][level]);
 			}
 		}
 		for (unsigned int red = 0; red < 16; ++red)
 		{
-			fillPaintErrors(space.offsetErrors[0][red], space.paintErrorsR[0][red], space.paintErrorsR[1][red]);
+			fillPaintErrors(space.offsetErrors[0][red], kNoOffsets, space.paintErrorsR[0][red], space.paintErrorsR[1][red]);
 		}
 	}
 
@@ -148,22 +175,23 @@ private:
 	/// The tables of the second colour.
 	static constexpr unsigned int kSecond = kIsOrdered ? 0 : 1;
 
-	/// What scaled sums may reach; -1 if nothing is below the bound.
-	[[nodiscard]] int limit() const
+	/// What scaled sums have to be below; 0 if nothing is below the bound.
+	[[nodiscard]] Int16x8 limit() const
 	{
-		return m_best.error == 0 ? -1 : static_cast<int>((m_best.error - 1) >> m_scale);
+		return Int16x8::filled(static_cast<std::int16_t>(m_best.error == 0 ? 0 : ((m_best.error - 1) >> m_scale) + 1));
 	}
 
-	void fillPaintErrors(const OffsetErrors& offsets, PaintErrors& first, PaintErrors& second) const
+	/// The tables of the sum of two errors.
+	void fillPaintErrors(const OffsetErrors& a, const OffsetErrors& b, PaintErrors& first, PaintErrors& second) const
 	{
 		if constexpr (Mode == TwoColourMode::H)
 		{
-			leastOverPaint<Paint::OnlyShifted>(offsets, m_scale, first);
+			leastOverPaint<Paint::OnlyShifted>(a, b, m_scale, first);
 		}
 		else
 		{
-			leastOverPaint<Paint::WithBoth>(offsets, m_scale, first);
-			leastOverPaint<Paint::Alone>(offsets, m_scale, second);
+			leastOverPaint<Paint::WithBoth>(a, b, m_scale, first);
+			leastOverPaint<Paint::Alone>(a, b, m_scale, second);
 		}
 	}
 
@@ -175,12 +203,11 @@ private:
 			return;
 		}
 		m_hasRedGreen[red] = true;
-		OffsetErrors sum;
 		for (unsigned int green = 0; green < 16; ++green)
 		{
 			const unsigned int colour = red * 16 + green;
-			addOffsets(m_space.offsetErrors[0][red], m_space.offsetErrors[1][green], sum);
-			fillPaintErrors(sum, m_space.paintErrorsRG[0][colour], m_space.paintErrorsRG[1][colour]);
+			fillPaintErrors(m_space.offsetErrors[0][red], m_space.offsetErrors[1][green], m_space.paintErrorsRG[0][colour],
+			                m_space.paintErrorsRG[1][colour]);
 		}
 	}
 
@@ -193,13 +220,11 @@ private:
 		}
 		m_hasAll[redGreen] = true;
 		OffsetErrors sum;
-		OffsetErrors all;
 		addOffsets(m_space.offsetErrors[0][redGreen / 16], m_space.offsetErrors[1][redGreen % 16], sum);
 		for (unsigned int blue = 0; blue < 16; ++blue)
 		{
 			const unsigned int colour = redGreen * 16 + blue;
-			addOffsets(sum, m_space.offsetErrors[2][blue], all);
-			fillPaintErrors(all, m_space.paintErrorsRGB[0][colour], m_space.paintErrorsRGB[1][colour]);
+			fillPaintErrors(sum, m_space.offsetErrors[2][blue], m_space.paintErrorsRGB[0][colour], m_space.paintErrorsRGB[1][colour]);
 		}
 	}
 
