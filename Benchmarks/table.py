@@ -20,7 +20,8 @@ def main():
         if row.get("error_occurred"):
             failed.append(f"{row['name']}: {row['error_message']}")
             continue
-        print(f"| {row['name']} | {row['real_time']:.2f} | {row['items_per_second'] / 1e6:.2f} |")
+        rate = row["items_per_second"] / 1e6
+        print(f"| {row['name']} | {row['real_time']:.2f} | {rate:.{2 if rate >= 1 else 3}f} |")
     for line in failed:
         print(f"failed: {line}", file=sys.stderr)
     return 1 if failed else 0

@@ -37,8 +37,20 @@ CODECS = (
     ("eac-r11", ("0",), ("--resize", "64x64")),
     ("eac-rg11", ("0",), ("--resize", "64x64")),
 )
+# Crops of photographs, 64 x 64, for the exhaustive searches.
+CROPS = ("astronaut_64", "coffee_64")
+CROP_CODECS = (
+    ("etc1", ("0", "1", "2", "3"), ()),
+    ("etc2-rgb", ("0", "1", "2", "3"), ()),
+)
 VOLUME = "volume_32x32x16"
 VOLUME_CODECS = (("astc-3x3x3", ("2",), ()), ("astc-6x6x6", ("0", "2"), ()))
+
+
+def codecs_of(picture):
+    if picture == VOLUME:
+        return VOLUME_CODECS
+    return CROP_CODECS if picture in CROPS else CODECS
 
 
 def is_missing(name):
@@ -51,9 +63,9 @@ def measure():
         volume = os.path.join(folder, "volume.zor")
         with open(volume, "wb") as file:
             file.write(make_native(RGBA8888, 32, 32, volume_of_photo(32, 32, 16), depth=16))
-        for picture in (*PICTURES, VOLUME):
+        for picture in (*PICTURES, *CROPS, VOLUME):
             path = volume if picture == VOLUME else os.path.join(os.environ["ZORT_TEST_DATA"], picture + ".png")
-            for name, qualities, options in VOLUME_CODECS if picture == VOLUME else CODECS:
+            for name, qualities, options in codecs_of(picture):
                 for quality in qualities:
                     if is_missing(name):
                         continue
