@@ -113,6 +113,24 @@ public:
 	/// Returns the signal that ended it; 0 for none.
 	int run()
 	{
+		const int signal = convertAll();
+		m_progress->clearLine();
+		return signal;
+	}
+
+	const std::vector<Json>& entries() const
+	{
+		return m_entries;
+	}
+
+	const BatchProgress& progress() const
+	{
+		return *m_progress;
+	}
+
+private:
+	int convertAll()
+	{
 		const SignalWatch signals;
 		const unsigned int cores = std::max(std::thread::hardware_concurrency(), 1u);
 		WorkerPool pool(m_options.jobs != 0 ? m_options.jobs : cores, signals);
@@ -146,17 +164,6 @@ public:
 		return signals.received();
 	}
 
-	const std::vector<Json>& entries() const
-	{
-		return m_entries;
-	}
-
-	const BatchProgress& progress() const
-	{
-		return *m_progress;
-	}
-
-private:
 	std::string outputOf(const BatchFile& file) const
 	{
 		return (fs::path(m_options.sources.outputFolder) / file.relativeOutput).string();

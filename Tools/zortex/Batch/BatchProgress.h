@@ -29,12 +29,13 @@ public:
 	/// Renews the line on a terminal.
 	void refresh();
 
+	/// Takes the line away, before other output.
+	void clearLine();
+
 	double seconds() const;
 	double megapixels() const;
 
 private:
-	void clearLine();
-
 	std::size_t m_files;
 	unsigned long long m_inputBytes;
 	bool m_isQuiet;
