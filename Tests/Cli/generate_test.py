@@ -64,6 +64,11 @@ class Generate(ProgramTest):
                 result = self.run_program("convert", "a.png", "b.zor", option, word)
                 # A channel type may not suit the picture, but none of the words is unknown.
                 self.assertNotRegex(result.stderr, f"unknown|none of|'{word}'", option)
+        for option in ("--alpha-format", "--preset", "--to"):
+            for word in self.complete("convert", option, ""):
+                if word == "astc":
+                    continue  # takes its own formats only
+                self.succeed("convert", "a.png", "--out-dir", "out", "--quiet", option, word, *(("--format", "rgba8888") if option[2] == "a" else ()))
         for word in self.complete("diff", "--mode", ""):
             self.succeed("diff", "a.png", "a.png", "--image", "d.png", "--mode", word)
 

@@ -9,7 +9,9 @@
 #include "AtomicOutput.h"
 #include "FormatCapabilities.h"
 #include "FormatNames.h"
+#include "Presets.h"
 #include "Refusal.h"
+#include "TextureFile.h"
 
 namespace zortex
 {
@@ -41,11 +43,34 @@ bool takesValue(const CLI::Option& option)
 	return option.get_items_expected_max() != 0;
 }
 
+/// The name of an option's value. What checks it stands behind a colon outside of brackets, and is left out.
+std::string valueText(const CLI::Option& option)
+{
+	const std::string text = option.get_type_name();
+	int depth = 0;
+	for (std::size_t i = 0; i < text.size(); ++i)
+	{
+		depth += text[i] == '[' ? 1 : text[i] == ']' ? -1 : 0;
+		if (text[i] == ':' && depth == 0)
+		{
+			return text.substr(0, i);
+		}
+	}
+	return text;
+}
+
 /// "--format NAME", "-h,--help".
 std::string optionText(const CLI::Option& option)
 {
+	const std::string value = valueText(option);
 	std::string text = option.get_name(false, true);
-	return takesValue(option) && !option.get_type_name().empty() ? text + " " + option.get_type_name() : text;
+	return takesValue(option) && !value.empty() ? text + " " + value : text;
+}
+
+/// The text that ends the help of a command; a command without one shows the program's.
+std::string footerOf(const CLI::App& program, const CLI::App& command)
+{
+	return command.get_footer() == program.get_footer() ? "" : command.get_footer();
 }
 
 std::string descriptionOf(const CLI::Option& option)
@@ -60,7 +85,9 @@ std::string synopsis(const CLI::App& program, const CLI::App& command)
 	std::string text = program.get_name() + " " + command.get_name() + " [OPTIONS]";
 	for (const CLI::Option* argument : argumentsOf(command))
 	{
-		const std::string name = argument->get_name(true) + (argument->get_items_expected_max() > 1 ? "..." : "");
+		std::string name = argument->get_name(true);
+		const bool isOne = argument->get_items_expected_max() <= 1 || name.find("...") != std::string::npos;
+		name += isOne ? "" : "...";
 		text += argument->get_required() ? " " + name : " [" + name + "]";
 	}
 	return text;
@@ -120,7 +147,7 @@ std::string manPage(const CLI::App& program)
 	for (const CLI::App* command : listedCommands(program))
 	{
 		text += ".SS " + manText(command->get_name()) + "\n" + manText(command->get_description()) + ".\n" + manOptions(*command) +
-		        manLiteral(command->get_footer());
+		        manLiteral(footerOf(program, *command));
 	}
 	return text;
 }
@@ -169,40 +196,51 @@ std::string markdownPage(const CLI::App& program)
 	for (const CLI::App* command : listedCommands(program))
 	{
 		text += "\n## " + command->get_name() + "\n\n" + command->get_description() + ".\n" + literal(synopsis(program, *command)) +
-		        markdownOptions(*command) + literal(command->get_footer());
+		        markdownOptions(*command) + literal(footerOf(program, *command));
 	}
 	return text;
+}
+
+/// The names of a table's rows, one after the other.
+template<typename Rows, typename Name>
+std::string wordsOfRows(const Rows& rows, Name name)
+{
+	std::string words;
+	for (const auto& row : rows)
+	{
+		const std::string word(name(row));
+		words += (words.empty() || word.empty() ? "" : " ") + word;
+	}
+	return words;
 }
 
 /// The words that an option takes, for those that take a few; several options of different commands may share a name.
 std::string wordsOf(const std::string& option)
 {
-	if (option == "--format")
+	const auto itself = [](std::string_view name)
 	{
-		std::string words;
-		for (const CompressedFormat& format : compressedFormats())
-		{
-			words += format.codec->encodes ? std::string(format.name) + " " : "";
-		}
-		return words + "rgba8888 rgb888 rg88 r8 rgb565 rgba4444 rgba5551 rgba16 rgba16f rgba32f";
+		return name;
+	};
+	if (option == "--format" || option == "--alpha-format")
+	{
+		return wordsOfRows(compressedFormats(), [](const CompressedFormat& row) { return row.codec->encodes ? row.name : ""; }) +
+		       " rgba8888 rgb888 rg88 r8 rgb565 rgba4444 rgba5551 rgba16 rgba16f rgba32f";
 	}
 	if (option == "--type")
 	{
-		std::string words;
-		for (const std::string_view name : kChannelTypeNames)
-		{
-			words += (words.empty() ? "" : " ") + std::string(name);
-		}
-		return words;
+		return wordsOfRows(kChannelTypeNames, itself);
 	}
 	if (option == "--quality")
 	{
-		std::string words;
-		for (const std::string_view name : kQualityNames)
-		{
-			words += (words.empty() ? "" : " ") + std::string(name);
-		}
-		return words;
+		return wordsOfRows(kQualityNames, itself);
+	}
+	if (option == "--preset")
+	{
+		return wordsOfRows(presets(), [](const Preset& row) { return row.name; });
+	}
+	if (option == "--to")
+	{
+		return wordsOfRows(containers(), [](const Container& row) { return row.writes ? row.extension : ""; });
 	}
 	struct Words
 	{
@@ -332,8 +370,7 @@ std::string zshCompletion(const CLI::App& program)
 			{
 				const std::string words = wordsOf(name);
 				const std::string value =
-				    !takesValue(*option) ? ""
-				                         : ":" + zshText(option->get_type_name()) + ":" + (words.empty() ? "_files" : "(" + words + ")");
+				    !takesValue(*option) ? "" : ":" + zshText(valueText(*option)) + ":" + (words.empty() ? "_files" : "(" + words + ")");
 				cases.append(" \\\n\t\t\t'*").append(name).append("[");
 				cases.append(zshText(option->get_description())).append("]").append(value).append("'");
 			}
