@@ -16,8 +16,6 @@ using namespace zortexture;
 
 namespace
 {
-constexpr EZORTColourSpace kSpaces[] = {eCS_lRGB, eCS_sRGB};
-
 constexpr const char* kPageHead = R"(# Names of formats in the graphics APIs
 
 <!-- Written by the build target doc_tables from the tables in Library/Source/FormatMaps. Not edited by hand. -->
