@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Draws one detail of the photograph in every format that colour pictures are compressed to, with bits a pixel and PSNR of the
-# whole photograph. Of formats with the same result the first one is shown.
+# whole photograph. Of a codec's formats with the same result the first one is shown.
 #
 #   Scripts/pictures.sh [OUT.png] [QUALITY]     (default: Docs/images/formats.png, normal)
 set -euo pipefail
@@ -47,17 +47,17 @@ formats=$("$zortex" formats --json | python3 -c '
 import json, sys
 for row in json.load(sys.stdin)["compressed"]:
     if row["encoded"] and row["block"][2] == 1 and row["channels"] in ("rgb", "rgba"):
-        print(row["name"])')
+        print(row["name"], row["codec"])')
 shown=
-for format in $formats; do
+while read -r format codec; do
 	"$zortex" convert "$photo" "$work/texture.zor" --format "$format" --quality "$quality" --json >"$work/report.json"
 	bits=$(json output bitsPerPixel <"$work/report.json")
 	psnr=$(json psnr db <"$work/report.json")
-	if [[ $shown != *"[$bits $psnr]"* ]]; then
-		shown+="[$bits $psnr]"
+	if [[ $shown != *"[$codec $bits $psnr]"* ]]; then
+		shown+="[$codec $bits $psnr]"
 		tile "$work/texture.zor" "$format" "$(printf '%.3g bits, %.1f dB' "$bits" "$psnr")"
 	fi
-done
+done <<<"$formats"
 
 for ((first = 0; first < count; first += columns)); do
 	row=()
