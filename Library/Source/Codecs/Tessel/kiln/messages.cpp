@@ -12,7 +12,7 @@ void fprintf_flush(std::FILE* stream, const char* format, ...)
 	}
 	va_list arguments;
 	va_start(arguments, format);
-	std::vfprintf(stream, format, arguments);
+	std::vfprintf(stream, format, arguments); // NOLINT(clang-analyzer-valist.Uninitialized): it does not see va_start
 	va_end(arguments);
 	std::fflush(stream);
 }

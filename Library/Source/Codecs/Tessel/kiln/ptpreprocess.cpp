@@ -40,7 +40,7 @@ KilnColour meanAround(const KilnImage& image, int x, int y)
 	total = total == 0 ? 1 : total;
 	const auto mean = [total](std::int64_t sum)
 	{
-		return static_cast<std::uint8_t>(static_cast<double>(sum) / static_cast<double>(total) + 0.5);
+		return static_cast<std::uint8_t>((2 * sum + total) / (2 * total));
 	};
 	return {mean(sums[0]), mean(sums[1]), mean(sums[2]), 0};
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 
 #include "bitmap.h"
