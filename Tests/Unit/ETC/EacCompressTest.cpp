@@ -13,7 +13,7 @@ int modifier(int table, int index)
 	return index < 4 ? alphaBase[table][3 - index] : -alphaBase[table][7 - index] - 1;
 }
 
-// ---- 16 bits: the search against one without any short cut.
+// ---- 16 bits: the search against one without any short cut, ties included.
 
 using Values16 = std::array<std::uint16_t, 16>;
 
@@ -99,23 +99,52 @@ std::array<unsigned char, 8> bruteForce16(const Values16& texels, bool isSigned)
 TEST(EacCompress16, GivesTheBlockOfTheSearchWithoutShortCuts)
 {
 	std::mt19937 random(11);
+	const auto value = [&]
+	{
+		return static_cast<std::uint16_t>(random());
+	};
 	std::vector<Values16> blocks;
-	for (int round = 0; round < 3; ++round)
+	for (int round = 0; round < 2; ++round)
 	{
 		Values16 noise;
-		std::generate(noise.begin(), noise.end(), [&] { return static_cast<std::uint16_t>(random()); });
+		std::generate(noise.begin(), noise.end(), value);
 		blocks.push_back(noise);
-		blocks.push_back(etctest::smoothBlock<std::uint16_t>(random, 65535));
-		blocks.push_back(etctest::smoothBlock<std::uint16_t>(random, 3000));
+		for (const int top : {65535, 3000, 300})
+		{
+			blocks.push_back(etctest::smoothBlock<std::uint16_t>(random, top));
+		}
+		Values16 flat;
+		flat.fill(value());
+		blocks.push_back(flat);
+
+		const std::uint16_t colours[2] = {value(), value()};
+		Values16 edge;
+		std::generate(edge.begin(), edge.end(), [&] { return colours[random() % 2]; });
+		blocks.push_back(edge);
+
+		// Across the wrap of unsigned and of signed values, where the middle of signed ones lies at 0.
+		for (const unsigned int centre : {0x0000U, 0x8000U})
+		{
+			const unsigned int spread = 100 + random() % 10000;
+			Values16 wrapping;
+			std::generate(wrapping.begin(), wrapping.end(),
+			              [&] { return static_cast<std::uint16_t>(centre + random() % (2 * spread) - spread); });
+			blocks.push_back(wrapping);
+		}
 	}
-	Values16 ends; // both ends of the range, where differences wrap
+	const std::uint16_t extremes[4] = {0x0000, 0xFFFF, 0x8000, 0x7FFF};
+	Values16 ends;
 	for (unsigned int i = 0; i < 16; ++i)
 	{
-		const std::uint16_t values[4] = {0x0000, 0xFFFF, 0x8000, 0x7FFF};
-		ends[i] = values[i * 7 / 3 % 4];
+		ends[i] = extremes[i * 7 / 3 % 4];
 	}
 	blocks.push_back(ends);
-	blocks.push_back(Values16{});
+	for (const std::uint16_t extreme : extremes)
+	{
+		Values16 flat;
+		flat.fill(extreme);
+		blocks.push_back(flat);
+	}
 
 	for (const Values16& texels : blocks)
 	{
@@ -257,23 +286,34 @@ TEST(EacCompress8, FollowsThePasses)
 	for (int round = 0; round < 120; ++round)
 	{
 		Values8 texels = etctest::smoothBlock<unsigned char>(random, 255);
-		if (round % 3 == 0)
+		const auto low = static_cast<unsigned char>(random());
+		const auto high = static_cast<unsigned char>(random());
+		switch (round % 5)
 		{
+		case 0:
 			std::generate(texels.begin(), texels.end(), [&] { return static_cast<unsigned char>(random()); });
-		}
-		else if (round % 3 == 1)
+			break;
+		case 1: // a cut-out: two values with an edge between them
 		{
-			// A cut-out: two values with an edge between them.
 			const unsigned int edge = random() % 17;
-			const auto low = static_cast<unsigned char>(random());
-			const auto high = static_cast<unsigned char>(random());
 			std::fill(texels.begin(), texels.begin() + edge, low);
 			std::fill(texels.begin() + edge, texels.end(), high);
+			break;
+		}
+		case 2: // one value, but for one texel at times
+			texels.fill(low);
+			texels[high % 16] = round % 2 == 0 ? low : high;
+			break;
+		case 3: // both ends
+			std::generate(texels.begin(), texels.end(), [&] { return static_cast<unsigned char>(random() % 2 == 0 ? 0 : 255); });
+			break;
+		default:
+			break;
 		}
 		std::array<unsigned char, 8> block{};
 		compressBlockAlphaFast(texels.data(), 0, 0, 4, block.data(), alphaTable);
 		ASSERT_EQ(block, passes8(texels, false)) << "fast, round " << round;
-		if (round % 4 == 0)
+		if (round % 3 == 0)
 		{
 			compressBlockAlphaSlow(texels.data(), 0, 0, 4, block.data(), alphaTable);
 			ASSERT_EQ(block, passes8(texels, true)) << "slow, round " << round;

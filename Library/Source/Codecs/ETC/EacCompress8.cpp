@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "EacBlock.h"
+#include "EacDistances.h"
 #include "EtcBlock.h"
 #include "EtcTables.h"
 
@@ -37,10 +38,13 @@ struct Best
 	int row = -3;
 };
 
+/// Rows below have multiplier 0.
+constexpr int kFirstSpread = 16;
+
 /// The sixteen values in raster order and their rounded mean.
 struct Values
 {
-	int texels[16];
+	std::uint16_t texels[16];
 	int average;
 };
 
@@ -57,81 +61,129 @@ Values gather(const unsigned char* source, unsigned int startX, unsigned int sta
 	return values;
 }
 
+/// What the search asks again and again: the distances from each byte, and lower bounds of the errors of rows and bases. All are of the
+/// errors without regard to bases' sides, which are never larger.
+class Bounds
+{
+public:
+	explicit Bounds(const Values& values) : distances(values.texels, 0, 255, [](int value) { return static_cast<std::uint16_t>(value); })
+	{
+		std::copy_n(values.texels, 16, m_sorted);
+		std::sort(m_sorted, m_sorted + 16);
+	}
+
+	/// No base of the row has a smaller error: texels further apart than the outermost entries cannot both be met.
+	int ofRow(const std::array<int, 8>& row) const
+	{
+		const int spread = row[7] - row[3];
+		int sum = 0;
+		for (unsigned int i = 0; i < 8; ++i)
+		{
+			const int excess = std::max(m_sorted[15 - i] - m_sorted[i] - spread, 0);
+			sum += (excess * excess + 1) / 2;
+		}
+		return sum;
+	}
+
+	/// No table has a smaller error with this multiplier and base.
+	int ofBase(int multiplier, int base)
+	{
+		load(multiplier);
+		return m_bounds[EacDistances::boundOf(base, multiplier)];
+	}
+
+	int ofMultiplier(int multiplier)
+	{
+		load(multiplier);
+		return *std::min_element(m_bounds, m_bounds + multiplier);
+	}
+
+	const EacDistances distances;
+
+private:
+	void load(int multiplier)
+	{
+		if (multiplier != m_multiplier)
+		{
+			distances.boundBases(multiplier, m_sorted[0], m_sorted[15], m_bounds);
+			m_multiplier = multiplier;
+		}
+	}
+
+	int m_sorted[16];
+	int m_multiplier = 0;
+	int m_bounds[15];
+};
+
 int squareTo(const int* clamped, int entry, int texel)
 {
 	const int difference = clamped[entry] - texel;
 	return difference * difference;
 }
 
-/// The squared error of a texel, found by walking the sorted entries on its side of the base until the error stops falling. Clamping
-/// and ties can end the walk early, so this may lie above the true least error.
+/// The error of all texels. Those up to the base choose among the lower entries (in the slow search also the first of the upper ones),
+/// those above it among the upper ones, so that this may lie above the true least error.
 template<typename Search>
-int texelError(const int* clamped, const std::array<int, 8>& row, int base, int texel)
+int sumOfErrors(const Values& values, const EacDistances& distances, const std::array<int, 8>& row, int base)
 {
-	if (base >= texel)
+	const std::int16_t* centre = distances.row(base);
+	const auto at = [&](unsigned int index)
 	{
-		int least = squareTo(clamped, row[0], texel);
-		for (unsigned int index = 1; index < 4; ++index)
-		{
-			const int square = squareTo(clamped, row[index], texel);
-			if (square >= least)
-			{
-				break;
-			}
-			least = square;
-		}
-		if constexpr (Search::kSlow)
-		{
-			least = std::min(least, squareTo(clamped, row[4], texel));
-		}
-		return least;
-	}
-	int least = squareTo(clamped, row[7], texel);
-	for (unsigned int index = 6; index >= 4; --index)
+		return centre + std::ptrdiff_t{row[index]} * 16;
+	};
+	const std::int16_t* const a = at(0);
+	const std::int16_t* const b = at(1);
+	const std::int16_t* const c = at(2);
+	const std::int16_t* const d = at(3);
+	const std::int16_t* const e = at(4);
+	const std::int16_t* const f = at(5);
+	const std::int16_t* const g = at(6);
+	const std::int16_t* const h = at(7);
+	int sum = 0;
+	for (unsigned int i = 0; i < 16; ++i)
 	{
-		const int square = squareTo(clamped, row[index], texel);
-		if (square > least)
-		{
-			break;
-		}
-		least = square;
+		const auto above = static_cast<std::int16_t>(static_cast<std::int16_t>(base - values.texels[i]) >> 15); // all bits or none
+		std::int16_t lower = std::min(std::min(a[i], b[i]), std::min(c[i], d[i]));
+		lower = Search::kSlow ? std::min(lower, e[i]) : lower;
+		const std::int16_t upper = std::min(std::min(e[i], f[i]), std::min(g[i], h[i]));
+		const auto least = static_cast<std::int16_t>((upper & above) | (lower & ~above));
+		sum += least * least;
 	}
-	return least;
+	return sum;
 }
 
-/// The error of all texels, or a partial sum above `bound`.
-template<typename Search>
-int sumOfErrors(const Values& values, const std::array<int, 8>& row, int base, int bound)
+/// The same for the rows without spread.
+int sumOfErrors(const Values& values, int base)
 {
-	const int* clamped = clamp_table.data() + 255 + base;
 	int sum = 0;
-	for (const int texel : values.texels)
+	for (const std::uint16_t texel : values.texels)
 	{
-		sum += texelError<Search>(clamped, row, base, texel);
-		if (sum > bound)
-		{
-			break;
-		}
+		const auto difference = static_cast<std::int16_t>(base - texel);
+		sum += difference * difference;
 	}
 	return sum;
 }
 
 /// The best base of a row: each pass looks around what the pass before found, from the mean on. The fast search gives up on bases
-/// that cannot beat the best row so far, so the row may end without a base.
-template<typename Search>
-Best searchRow(const Values& values, const AlphaTable& table, int row, const Best& overall)
+/// that cannot beat the best row so far, so the row may end without a base. `leastOf(base)` is a lower bound of `sumOf(base)`.
+template<typename Search, typename Bound, typename Sum>
+Best searchRow(int average, int row, const Best& overall, Bound&& leastOf, Sum&& sumOf)
 {
 	Best best;
 	best.row = row;
-	int centre = values.average;
+	int centre = average;
 	for (const Pass& pass : Search::kPasses)
 	{
 		const int last = clamp(centre + pass.reach);
 		for (int base = clamp(centre - pass.reach); base <= last; base += pass.scale)
 		{
-			const int bound = Search::kSlow ? best.sum : overall.sum;
-			const int sum = sumOfErrors<Search>(values, table[static_cast<unsigned int>(row)], base, bound);
-			if (sum <= bound && sum < best.sum)
+			const int bound = Search::kSlow ? best.sum - 1 : std::min(best.sum - 1, overall.sum);
+			if (leastOf(base) > bound)
+			{
+				continue;
+			}
+			const int sum = sumOf(base);
+			if (sum <= bound)
 			{
 				best.sum = sum;
 				best.base = base;
@@ -146,9 +198,29 @@ template<typename Search>
 Best searchRows(const Values& values, const AlphaTable& table, int firstRow, int endRow)
 {
 	Best best;
-	for (int row = firstRow; row < endRow && best.sum != 0; ++row)
+	if (firstRow < kFirstSpread)
 	{
-		const Best candidate = searchRow<Search>(values, table, row, best);
+		// The rows without spread are all alike. The first one finds the mean, which the others cannot beat.
+		best = searchRow<Search>(
+		    values.average, firstRow, best, [](int) { return 0; }, [&](int base) { return sumOfErrors(values, base); });
+	}
+	if (best.sum == 0 || endRow <= kFirstSpread)
+	{
+		return best;
+	}
+
+	Bounds bounds(values);
+	for (int row = std::max(firstRow, kFirstSpread); row < endRow && best.sum != 0; ++row)
+	{
+		const std::array<int, 8>& entries = table[static_cast<unsigned int>(row)];
+		const int multiplier = row / 16;
+		if (bounds.ofRow(entries) >= best.sum || bounds.ofMultiplier(multiplier) >= best.sum)
+		{
+			continue;
+		}
+		const Best candidate = searchRow<Search>(
+		    values.average, row, best, [&](int base) { return bounds.ofBase(multiplier, base); },
+		    [&](int base) { return sumOfErrors<Search>(values, bounds.distances, entries, base); });
 		if (candidate.sum < best.sum)
 		{
 			best = candidate;
