@@ -80,9 +80,17 @@ public:
 				tryFinest(base);
 			}
 		}
+		const int likely = static_cast<int>(m_bestSet & 15);
+		if (likely != 0)
+		{
+			searchMultiplier(likely);
+		}
 		for (int multiplier = 1; multiplier < 16; ++multiplier)
 		{
-			searchMultiplier(multiplier);
+			if (multiplier != likely)
+			{
+				searchMultiplier(multiplier);
+			}
 		}
 		return {m_bestSet >> 8, (m_bestSet >> 4) & 15, m_bestSet & 15};
 	}
@@ -185,7 +193,7 @@ private:
 	{
 		constexpr double kSlope = 4 * 257;
 		constexpr double kRounding = 1e-6;
-		return std::max(static_cast<int>((std::sqrt(static_cast<double>(error)) - m_bestRoot) / kSlope - kRounding), 0);
+		return std::max(static_cast<int>((std::sqrt(static_cast<double>(error)) - m_bestRoot) * (1 / kSlope) - kRounding), 0);
 	}
 
 	void tryFinest(unsigned int base)
@@ -291,27 +299,35 @@ private:
 
 	void searchMultiplier(int multiplier)
 	{
-		const int first = m_beginAbove + EacDistances::kFirstStep - 14 * multiplier;
-		const int last = m_endBelow + EacDistances::kFirstStep + 15 * multiplier;
-		int bounds[15];
-		bool bounded = false;
-		int nextBase[16] = {};
+		// The bounds were made when less was known.
+		while (m_endBelow > 0 && m_below[m_endBelow - 1] > m_bestError)
+		{
+			--m_endBelow;
+		}
+		while (m_beginAbove < kStepCount && m_above[m_beginAbove] > m_bestError)
+		{
+			++m_beginAbove;
+		}
 		// One base more at the front: the most negative one lies a step higher.
-		for (int base = std::max(first - 1, 0); base <= std::min(last, 255); ++base)
+		const int first = std::max(m_beginAbove + EacDistances::kFirstStep - 14 * multiplier - 1, 0);
+		const int last = std::min(m_endBelow + EacDistances::kFirstStep + 15 * multiplier, 255);
+		if (first > last)
+		{
+			return;
+		}
+		int bounds[15];
+		m_distances.boundBases(multiplier, enclosingLow(), enclosingHigh(), bounds);
+		if (*std::min_element(bounds, bounds + multiplier) > m_bestError)
+		{
+			return;
+		}
+		int nextBase[16] = {};
+		for (int base = first; base <= last; ++base)
 		{
 			const int centre = centreOf(static_cast<unsigned int>(base));
-			if (!mayWin(outside(centre - 15 * multiplier, centre + 14 * multiplier), static_cast<unsigned int>(base),
-			            static_cast<unsigned int>(multiplier)))
-			{
-				continue;
-			}
-			if (!bounded)
-			{
-				m_distances.boundBases(multiplier, enclosingLow(), enclosingHigh(), bounds);
-				bounded = true;
-			}
-			if (mayWin(bounds[EacDistances::boundOf(centre, multiplier)], static_cast<unsigned int>(base),
-			           static_cast<unsigned int>(multiplier)))
+			const int error =
+			    std::max(bounds[EacDistances::boundOf(centre, multiplier)], outside(centre - 15 * multiplier, centre + 14 * multiplier));
+			if (mayWin(error, static_cast<unsigned int>(base), static_cast<unsigned int>(multiplier)))
 			{
 				searchTables(static_cast<unsigned int>(base), multiplier, nextBase);
 			}
@@ -321,15 +337,25 @@ private:
 	/// `nextBase` holds the first base that may win, for each table.
 	void searchTables(unsigned int base, int multiplier, int (&nextBase)[16])
 	{
-		const int centre = centreOf(base);
+		const int* below = m_below + centreOf(base) - EacDistances::kFirstStep;
+		const int* above = m_above + centreOf(base) - EacDistances::kFirstStep - multiplier;
+		unsigned int tables[16];
+		unsigned int count = 0;
 		for (unsigned int table = 0; table < 16; ++table)
 		{
-			const int reach = alphaBase[table][0] * multiplier; // negative
-			if (static_cast<int>(base) >= nextBase[table] && outside(centre + reach, centre - reach - multiplier) <= m_bestError)
+			// Tables come in the order of their reach: if this one is too narrow, the others are.
+			const int reach = -alphaBase[table][0] * multiplier;
+			if (below[-reach] + above[reach] > m_bestError)
 			{
-				const int error = tryCoarse(base, table, static_cast<unsigned int>(multiplier));
-				nextBase[table] = static_cast<int>(base) + 1 + hopeless(error);
+				break;
 			}
+			tables[count] = table;
+			count += static_cast<int>(base) >= nextBase[table] ? 1 : 0;
+		}
+		for (unsigned int i = 0; i < count; ++i)
+		{
+			const int error = tryCoarse(base, tables[i], static_cast<unsigned int>(multiplier));
+			nextBase[tables[i]] = static_cast<int>(base) + 1 + hopeless(error);
 		}
 	}
 
