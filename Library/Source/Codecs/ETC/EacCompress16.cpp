@@ -137,6 +137,12 @@ private:
 		return error < m_bestError || (error == m_bestError && setOf(base, 0, multiplier) < m_bestSet);
 	}
 
+	/// A base above that of a set without error cannot win.
+	int lastBase() const
+	{
+		return m_bestError == 0 ? static_cast<int>(m_bestSet >> 8) : 255;
+	}
+
 	/// Takes a set if it is the best so far; `error` may be too small where it is not exact.
 	void consider(std::int64_t error, unsigned int base, unsigned int table, unsigned int multiplier)
 	{
@@ -310,7 +316,7 @@ private:
 		}
 		// One base more at the front: the most negative one lies a step higher.
 		const int first = std::max(m_beginAbove + EacDistances::kFirstStep - 14 * multiplier - 1, 0);
-		const int last = std::min(m_endBelow + EacDistances::kFirstStep + 15 * multiplier, 255);
+		const int last = std::min(m_endBelow + EacDistances::kFirstStep + 15 * multiplier, lastBase());
 		if (first > last)
 		{
 			return;
@@ -322,7 +328,7 @@ private:
 			return;
 		}
 		int nextBase[16] = {};
-		for (int base = first; base <= last; ++base)
+		for (int base = first; base <= last && base <= lastBase(); ++base)
 		{
 			const int centre = centreOf(static_cast<unsigned int>(base));
 			const int error =
