@@ -68,8 +68,9 @@ void ConvertCommandLine::addFormatOptions()
 	    ->type_name("SPACE")
 	    ->group(group);
 	m_app
-	    .add_option("--quality", target.quality,
-	                "fast, normal, high or best, or a number of the format's own (default: normal); best takes minutes for ETC")
+	    .add_option(
+	        "--quality", target.quality,
+	        "fast, normal, high or best, or a number of the format's own (default: normal); best takes about a minute a megapixel for ETC")
 	    ->type_name("Q")
 	    ->group(group);
 	m_app.add_option("--legacy", m_batch.convert.legacyApi, "Write a .zor file of version 2, with the numbers of gl, d3d, dxgi or openvg")

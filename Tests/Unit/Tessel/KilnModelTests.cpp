@@ -315,9 +315,9 @@ struct RandomWindow
 	KilnBlendRecords records;
 	KilnWindowModel model;
 
-	RandomWindow(bool tessel2, int round, std::mt19937& random)
+	RandomWindow(int bpp, bool tessel2, int round, std::mt19937& random)
 	{
-		const Scene scene = {4, tessel2, 3, 3, static_cast<Picture>(round % 4)};
+		const Scene scene = {bpp, tessel2, 3, 3, static_cast<Picture>(round % 4)};
 		const KilnSettings settings = settingsOf(scene);
 		CopyWindow(drawImage(scene, settings, random), settings, 1, 1, pixels.data());
 		KilnNeighbourModes modes;
@@ -336,7 +336,7 @@ TEST(KilnModel, WindowAgreesWithItsPixels)
 	std::mt19937 random(13);
 	for (int round = 0; round < 400; ++round)
 	{
-		const RandomWindow window(round % 2 == 0, round / 2, random);
+		const RandomWindow window(4, round % 2 == 0, round / 2, random);
 		KilnFittingParams params;
 		InitialisePackedFittingParams(params);
 		KilnErrors errors;
@@ -378,12 +378,59 @@ TEST(KilnModel, WindowAgreesWithItsPixels)
 	}
 }
 
+TEST(KilnModel, LeftOutPixelsTakeTheMeanOfTheirNeighbours)
+{
+	constexpr int kWidth = 17;
+	constexpr int kHeight = 9;
+	std::mt19937 random(17);
+	int leftOut = 0;
+	for (int round = 0; round < 100; ++round)
+	{
+		const RandomWindow window(2, round % 2 == 0, round / 2, random);
+		KilnFittingParams params;
+		InitialisePackedFittingParams(params);
+		KilnErrors errors;
+		EvalAllCandsAndGetErrors2BPP(window.model, window.colours[4], params, errors);
+		std::array<std::uint8_t, kKilnMaxWindow> weights = {};
+		for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
+		{
+			weights[pixel] = params.results[pixel].weight;
+		}
+		// The rim has no results.
+		for (int row = 2; row < kHeight - 2; ++row)
+		{
+			for (int column = 2; column < kWidth - 2; ++column)
+			{
+				const int pixel = row * kWidth + column;
+				const int storeClass = window.records.pixels[pixel].storeClass;
+				if (storeClass >= kKilnLeftOut)
+				{
+					++leftOut;
+					ASSERT_EQ(weights[pixel], ComputeInterpolatedModVal(storeClass, row, column, weights.data()));
+				}
+			}
+		}
+	}
+	EXPECT_GT(leftOut, 1000);
+
+	// At an edge the neighbour on the other side counts twice.
+	std::array<std::uint8_t, kKilnMaxWindow> weights = {};
+	weights[1] = 3;
+	weights[kWidth] = 8;
+	weights[kKilnMaxWindow - 2] = 5;
+	weights[kKilnMaxWindow - 1 - kWidth] = 3;
+	EXPECT_EQ(ComputeInterpolatedModVal(kKilnLeftOut, 0, 0, weights.data()), (3 + 3 + 8 + 8 + 2) / 4);
+	EXPECT_EQ(ComputeInterpolatedModVal(kKilnLeftOutHorizontal, 0, 0, weights.data()), 3);
+	EXPECT_EQ(ComputeInterpolatedModVal(kKilnLeftOutVertical, 0, 0, weights.data()), 8);
+	EXPECT_EQ(ComputeInterpolatedModVal(kKilnLeftOut, kHeight - 1, kWidth - 1, weights.data()), (5 + 5 + 3 + 3 + 2) / 4);
+}
+
 TEST(KilnModel, RegionsTakeOneIndex)
 {
 	std::mt19937 random(15);
 	for (int round = 0; round < 100; ++round)
 	{
-		const RandomWindow window(round % 2 == 0, round / 2, random);
+		const RandomWindow window(4, round % 2 == 0, round / 2, random);
 		// Regions of 1, of 3 and of all pixels, in an order of their own.
 		for (const int size : {1, 3, kKilnWindow4Bpp})
 		{
