@@ -198,8 +198,6 @@ TEST(KilnStart, TransparentPixelsDoNotPullTheColours)
 		const Statistics run(4, tessel2, 32, 16, holes);
 		const KilnBlock& block = run.blocks[2][3];
 		EXPECT_GT(block.transparentPixels, 10);
-		EXPECT_GT(block.transparentCentralPixels, 5);
-		EXPECT_TRUE(block.alphaAtExtremes);
 		EXPECT_EQ(run.pairOf(3, 2, 1), (KilnPair{{0, 123, 0, 255}, {0, 132, 0, 255}}));
 		// The second box holds the surface alone in the second generation, and never alpha 0.
 		EXPECT_EQ(block.boxes[1].minimum[3], block.boxes[1].maximum[3]);

@@ -151,15 +151,12 @@ void countTransparentPixels(const KilnSettings& settings, BlockWindow& window, K
 	for (int i = 0; i < settings.windowPixels(); ++i)
 	{
 		const KilnColour& pixel = window.pixels[i];
-		const bool counts = window.weights[0][i] != 0;
-		block.alphaAtExtremes = block.alphaAtExtremes || (counts && (pixel[3] == 0 || pixel[3] == 255));
 		window.hasAlphaZero = window.hasAlphaZero || pixel[3] == 0;
 		if (settings.bpp != 4 || !isTransparentPixel(settings.tessel2, pixel))
 		{
 			continue;
 		}
-		block.transparentPixels += counts ? 1 : 0;
-		block.transparentCentralPixels += window.weights[2][i] != 0 ? 1 : 0;
+		block.transparentPixels += window.weights[0][i] != 0 ? 1 : 0;
 		if (settings.tessel2)
 		{
 			window.weights[1][i] = 0;

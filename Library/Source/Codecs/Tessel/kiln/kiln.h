@@ -138,11 +138,8 @@ struct KilnBlock
 	/// All pixels of the window (rim excluded, its weight is 0) have this one colour.
 	bool singleColour = false;
 	KilnColour colour = {};
-	/// Transparent pixels of the window, and of its central mask.
+	/// Transparent pixels of the window.
 	int transparentPixels = 0;
-	int transparentCentralPixels = 0;
-	/// Some pixel of the window has alpha 0 or 255, the extremes.
-	bool alphaAtExtremes = false;
 	/// The window falls into few flat areas.
 	bool isGraphics = false;
 	/// Of a 2bpp block: 0 none, else the interpolation 1 to 3.

@@ -156,22 +156,13 @@ void optimiseBlock(OptimiseRegion& region, KilnBlockRows& blocks)
 		flipHardFlag(blocks[region.blockY][wrapped(region.blockX - 1, settings.blocksX)], settings.bpp);
 	}
 }
-} // namespace
 
-void* RunAnOptimisePhaseThread(void* threadRecord)
+void runPhase(OptimiseRegion& region, const KilnThreadRecord& record)
 {
-	auto& record = *static_cast<KilnThreadRecord*>(threadRecord);
-	const std::unique_ptr<OptimiseRegion> region(new (std::nothrow) OptimiseRegion);
-	if (region == nullptr)
-	{
-		std::fputs("Err: Failed to allocate OptimiseRegion working space!!\n", stderr);
-		record.failed = true;
-		return nullptr;
-	}
 	const KilnSettings& settings = *record.settings;
-	region->settings = &settings;
-	InitialisePackedFittingParams(region->params);
-	region->firstPass = settings.iterations <= 1;
+	region.settings = &settings;
+	InitialisePackedFittingParams(region.params);
+	region.firstPass = settings.iterations <= 1;
 	for (int index = record.firstRow; index < record.endRow; ++index)
 	{
 		const int blockY = 2 * index + record.parity;
@@ -184,10 +175,27 @@ void* RunAnOptimisePhaseThread(void* threadRecord)
 				block.tag = record.tag;
 				continue;
 			}
-			enterBlock(*region, record, blockX, blockY);
-			region->limit = trialLimit(block, region->firstPass);
-			optimiseBlock(*region, *record.blocks);
+			enterBlock(region, record, blockX, blockY);
+			region.limit = trialLimit(block, region.firstPass);
+			optimiseBlock(region, *record.blocks);
 		}
+	}
+}
+} // namespace
+
+void* RunAnOptimisePhaseThread(void* threadRecord)
+{
+	auto& record = *static_cast<KilnThreadRecord*>(threadRecord);
+	try
+	{
+		const auto region = std::make_unique<OptimiseRegion>();
+		runPhase(*region, record);
+	}
+	catch (const std::bad_alloc&)
+	{
+		// Palettes need memory too, for every block; no exception may leave a thread, or a stage whose threads still run.
+		std::fputs("Err: Failed to allocate OptimiseRegion working space!!\n", stderr);
+		record.failed = true;
 	}
 	return nullptr;
 }
