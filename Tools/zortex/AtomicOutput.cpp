@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
+#include <vector>
 
 #include "Refusal.h"
 
@@ -127,13 +128,10 @@ bool isTemporaryName(const std::string& name)
 	return name.find(kMark) != std::string::npos;
 }
 
-void removeTemporariesOf(const std::string& target, const std::vector<pid_t>& processes)
+void removeTemporaryOf(const std::string& target, pid_t process)
 {
 	std::error_code error;
-	for (const pid_t process : processes)
-	{
-		fs::remove(temporaryFor(target, process), error);
-	}
+	fs::remove(temporaryFor(target, process), error);
 }
 
 void removeStaleTemporaries(const std::string& folder)

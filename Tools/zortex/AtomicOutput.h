@@ -5,7 +5,6 @@
 
 #include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace zortex
 {
@@ -39,8 +38,8 @@ private:
 /// Whether a file name is that of a temporary file of this program. It holds the machine and the process that made it.
 bool isTemporaryName(const std::string& name);
 
-/// Removes what processes left for one output.
-void removeTemporariesOf(const std::string& target, const std::vector<pid_t>& processes);
+/// Removes what a process left for one output.
+void removeTemporaryOf(const std::string& target, pid_t process);
 
 /// Removes the temporary files in and below a folder that no process works on any more: those of this machine whose process is
 /// gone, and those of other machines that are more than a day old.

@@ -26,6 +26,9 @@ namespace
 /// How often the line of progress is renewed.
 constexpr int kRefreshMilliseconds = 250;
 
+/// Files at most that are looked at between two looks at signals.
+constexpr int kFilesPerTurn = 64;
+
 /// A folder for what workers put into the system's temporary folder, so that nothing of a killed one stays there.
 class ScratchFolder
 {
@@ -137,7 +140,7 @@ private:
 		std::size_t next = 0;
 		while (signals.received() == 0)
 		{
-			while (!pool.isFull() && next < m_files.size() && !isStopped())
+			for (int i = 0; i < kFilesPerTurn && !pool.isFull() && next < m_files.size() && !isStopped(); ++i)
 			{
 				startFile(pool, next++);
 			}
@@ -151,15 +154,13 @@ private:
 				return 0;
 			}
 			m_progress->refresh();
-			if (outcomes.empty())
-			{
-				signals.wait(kRefreshMilliseconds);
-			}
+			// Signals arrive in here alone; files that are up to date leave room for more at once.
+			const bool canGoOn = !outcomes.empty() || (!pool.isFull() && next < m_files.size() && !isStopped());
+			signals.wait(canGoOn ? 0 : kRefreshMilliseconds);
 		}
-		const std::vector<pid_t> stopped = pool.stop();
-		for (const BatchFile& file : m_files)
+		for (const WorkerPool::Stopped& stopped : pool.stop())
 		{
-			removeTemporariesOf(outputOf(file), stopped);
+			removeTemporaryOf(outputOf(m_files[stopped.index]), stopped.process);
 		}
 		return signals.received();
 	}

@@ -208,21 +208,21 @@ std::vector<WorkerPool::Outcome> WorkerPool::collect()
 	return outcomes;
 }
 
-std::vector<pid_t> WorkerPool::stop()
+std::vector<WorkerPool::Stopped> WorkerPool::stop()
 {
-	std::vector<pid_t> processes;
+	std::vector<Stopped> stopped;
 	for (const Worker& worker : m_workers)
 	{
 		kill(-worker.process, SIGKILL);
-		processes.push_back(worker.process);
+		stopped.push_back({worker.index, worker.process});
 	}
-	for (const pid_t process : processes)
+	for (const Stopped& worker : stopped)
 	{
-		while (waitpid(process, nullptr, 0) < 0 && errno == EINTR)
+		while (waitpid(worker.process, nullptr, 0) < 0 && errno == EINTR)
 		{
 		}
 	}
 	m_workers.clear();
-	return processes;
+	return stopped;
 }
 } // namespace zortex

@@ -61,9 +61,14 @@ public:
 	/// The outcomes of the workers that have ended since the last call.
 	std::vector<Outcome> collect();
 
+	struct Stopped
+	{
+		std::size_t index;
+		pid_t process;
+	};
+
 	/// Ends all workers, with what they started.
-	/// @return their process numbers.
-	std::vector<pid_t> stop();
+	std::vector<Stopped> stop();
 
 private:
 	struct FileCloser
