@@ -11,4 +11,5 @@ if [ $# -ne 2 ]; then
 	echo "usage: collect.sh LIST OUT" >&2
 	exit 2
 fi
+mkdir -p "$2/.zortex/reports"
 exec "${ZORTEX:-zortex}" collect "$2/.zortex/reports" --list "$1" --report "$2/.zortex/report.json" --failed "$2/.zortex/failed.txt"

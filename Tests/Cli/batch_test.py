@@ -158,6 +158,28 @@ class Batch(ProgramTest):
             with self.subTest(arguments):
                 self.refuse(2, pattern, "convert", *arguments)
 
+    def test_results_are_no_inputs(self):
+        self.add("art/a.png", picture(1))
+        before = self.read("art/a.png")
+        for _ in range(2):
+            self.batch(0, "art/**/*.png", "--out-dir", "art/out", "--to", "png", "--quiet")
+            self.batch(0, "art", "--out-dir", "art", "--to", "ktx", "--quiet")
+        self.assertEqual(set(self.tree("art")), {"a.png", "a.ktx", "out/a.png"})
+        result = self.batch(1, "art/a.png", "--out-dir", ".", "--to", "png")
+        self.assertIn("zortex: art/a.png: its result would replace it\n", result.stderr)
+        self.assertEqual(self.read("art/a.png"), before)
+
+    def test_little_room(self):
+        """Few descriptors make the workers fewer; a report that cannot be written leaves the results."""
+        for i in range(30):
+            self.add(f"art/{i}.png", picture(i))
+        command = ["sh", "-c", 'ulimit -n 24; exec "$0" "$@"', ZORTEX, "convert", "art", "--out-dir", "out", "--jobs", "100", "--quiet",
+                   "--report", "art/0.png/report.json"]
+        result = subprocess.run(command, cwd=self.folder, capture_output=True, text=True, timeout=120)
+        self.assertEqual(result.returncode, 1, result.stderr)
+        self.assertRegex(result.stderr, r"\Azortex: art/0.png/report.json: .*\nzortex: out: 30 converted of 30\n\Z")
+        self.assertEqual(len(self.tree("out")), 30)
+
     def test_presets(self):
         self.add("opaque.png", picture(1))
         self.add("clear.png", picture(2, alpha=True))

@@ -137,7 +137,7 @@ class JobArray(unittest.TestCase):
         for i in range(12):
             name = f"art/{i:02}.png"
             with open(self.path(name), "wb") as file:
-                file.write(make_png(64, 64, RGB, 8, [(x * 7 * (i + 1) + x // 192 * 5) & 255 for x in range(64 * 64 * 3)]))
+                file.write(make_png(256, 256, RGB, 8, [(x * 7 * (i + 1) + x // 768 * 5) & 255 for x in range(256 * 256 * 3)]))
             self.names.append(name)
         with open(self.path("list"), "w") as file:
             file.write("\n".join(self.names) + "\n")
@@ -160,10 +160,17 @@ class JobArray(unittest.TestCase):
         return found
 
     def test_array_with_a_killed_task(self):
-        # The second task's program stops before its work, until it is killed.
+        # The second task's program is stopped after its first file, until it is killed.
         stuck = self.path("stuck")
         with open(stuck, "w") as file:
-            file.write(f'#!/bin/sh\ncase "$*" in *"--shard 2/3"*) echo $$ > "{self.path("pid")}"; exec sleep 600;; esac\nexec "{ZORTEX}" "$@"\n')
+            file.write(f"""#!/bin/bash
+[[ "$*" == *"--shard 2/3"* ]] || exec "{ZORTEX}" "$@"
+"{ZORTEX}" "$@" &
+until compgen -G "out/.zortex/made/art/0[147].zor.json" >/dev/null || compgen -G "out/.zortex/made/art/10.zor.json" >/dev/null; do sleep 0.002; done
+kill -STOP $!
+echo $! > "{self.path("pid")}"
+wait
+""")
         os.chmod(stuck, 0o755)
         self.slurm.environment["ZORTEX"] = stuck
         array = ("--array=1-3", "--output=task-%a.log", self.script("convert.sbatch"), "list", "out", *OPTIONS)
@@ -176,13 +183,17 @@ class JobArray(unittest.TestCase):
         result = self.collect()
         self.assertEqual(result.returncode, 1, result.stdout + result.stderr + self.slurm.logs())
         with open(self.path("out/.zortex/failed.txt")) as file:
-            self.assertEqual(file.read().split(), self.names[1::3])
-        self.assertEqual(len(self.outputs("out")), 8)
+            failed = file.read().split()
+        # The first file of the share may be told of: Slurm lets a task end before it kills it.
+        self.assertIn(self.names[10], failed)
+        self.assertLessEqual(set(failed), set(self.names[1::3]))
+        self.assertIn(len([name for name in self.outputs("out") if "zortex-tmp" not in name]), (9, 10, 11))
 
         self.slurm.submit("--array=1-2", "--output=again-%a.log", self.script("convert.sbatch"), "out/.zortex/failed.txt", "out", *OPTIONS)
         self.slurm.wait_for_jobs()
         result = self.collect()
-        self.assertEqual((result.returncode, result.stdout), (0, "12 converted of 12\n"), result.stderr)
+        self.assertRegex(result.stdout, r"\A(12 converted|\d+ converted, [123] up to date) of 12\n\Z", result.stderr)
+        self.assertEqual(result.returncode, 0)
         with open(self.path("out/.zortex/report.json")) as file:
             self.assertEqual([entry["input"] for entry in json.load(file)["files"]], self.names)
 

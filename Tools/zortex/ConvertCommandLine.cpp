@@ -16,7 +16,7 @@ Without --format a texture keeps its format, and a PNG file gets the closest of 
 taken as sRGB unless the file says that they are linear. Operations run in the order in which they are
 given, before the conversion.
 With --out-dir every other path is an input: a file, a folder, or a pattern with *, ? and ** that the program expands. The
-results keep the structure of folders. One bad file is told of and counts in the exit code; the others do not suffer.
+results keep the structure of folders. A bad file is told of and ends the batch, with --keep-going at its end.
 
 Examples:
   zortex convert photo.png photo.zor --format tessel1-4bpp-rgb --quality best

@@ -71,8 +71,13 @@ void expandPreset(std::vector<std::string>& arguments)
 	{
 		return optionName(argument) == kOption;
 	};
-	const auto place = std::find_if(arguments.begin(), arguments.end(), isPreset);
-	if (place == arguments.end())
+	// What stands behind "--" are file names.
+	const auto optionsEnd = [&arguments]()
+	{
+		return std::find(arguments.begin(), arguments.end(), "--");
+	};
+	const auto place = std::find_if(arguments.begin(), optionsEnd(), isPreset);
+	if (place == optionsEnd())
 	{
 		return;
 	}
@@ -84,19 +89,19 @@ void expandPreset(std::vector<std::string>& arguments)
 	}
 	else
 	{
-		if (place + 1 == arguments.end())
+		if (place + 1 == optionsEnd())
 		{
 			throw UsageError("--preset: a name is missing");
 		}
 		name = *(place + 1);
 		arguments.erase(place, place + 2);
 	}
-	if (std::find_if(arguments.begin(), arguments.end(), isPreset) != arguments.end())
+	if (std::find_if(arguments.begin(), optionsEnd(), isPreset) != optionsEnd())
 	{
 		throw UsageError("--preset: there can be one only");
 	}
 
-	const std::vector<std::string> given = arguments;
+	const std::vector<std::string> given(arguments.begin(), optionsEnd());
 	const auto isGiven = [&given](const std::string& option)
 	{
 		return std::any_of(given.begin(), given.end(), [&option](const std::string& word) { return optionName(word) == option; });
@@ -106,7 +111,7 @@ void expandPreset(std::vector<std::string>& arguments)
 		// Who names a format has no use for another one for alpha.
 		if (!isGiven(option[0]) && !(option[0] == "--alpha-format" && isGiven("--format")))
 		{
-			arguments.insert(arguments.end(), option.begin(), option.end());
+			arguments.insert(optionsEnd(), option.begin(), option.end());
 		}
 	}
 }

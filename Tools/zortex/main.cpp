@@ -1,8 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <fcntl.h>
 #include <iostream>
 #include <new>
+#include <unistd.h>
 
 #include "Batch/BatchCommand.h"
 #include "Batch/CollectCommand.h"
@@ -205,6 +207,15 @@ int runProgram(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+	// Files must not take the places of standard streams that are closed.
+	for (int descriptor = 0; descriptor >= 0 && descriptor <= STDERR_FILENO;)
+	{
+		descriptor = open("/dev/null", O_RDWR);
+		if (descriptor > STDERR_FILENO)
+		{
+			close(descriptor);
+		}
+	}
 	try
 	{
 		return runProgram(argc, argv);

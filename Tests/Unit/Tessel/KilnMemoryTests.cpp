@@ -26,6 +26,10 @@ bool isRefused()
 	void* memory = isRefused() ? nullptr : std::malloc(size != 0 ? size : 1);
 	return memory != nullptr ? memory : throw std::bad_alloc();
 }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept
+{
+	return isRefused() ? nullptr : std::malloc(size != 0 ? size : 1);
+}
 [[gnu::noinline]] void* operator new(std::size_t size, std::align_val_t alignment)
 {
 	const std::size_t unit = static_cast<std::size_t>(alignment);
@@ -33,6 +37,10 @@ bool isRefused()
 	return memory != nullptr ? memory : throw std::bad_alloc();
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept
+{
+	std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, const std::nothrow_t& /*unused*/) noexcept
 {
 	std::free(memory);
 }

@@ -140,9 +140,11 @@ private:
 		std::size_t next = 0;
 		while (signals.received() == 0)
 		{
-			for (int i = 0; i < kFilesPerTurn && !pool.isFull() && next < m_files.size() && !isStopped(); ++i)
+			bool hasRoom = true;
+			for (int i = 0; i < kFilesPerTurn && hasRoom && !pool.isFull() && next < m_files.size() && !isStopped(); ++i)
 			{
-				startFile(pool, next++);
+				hasRoom = startFile(pool, next);
+				next += hasRoom ? 1 : 0;
 			}
 			const std::vector<WorkerPool::Outcome> outcomes = pool.collect();
 			for (const WorkerPool::Outcome& outcome : outcomes)
@@ -155,7 +157,7 @@ private:
 			}
 			m_progress->refresh();
 			// Signals arrive in here alone; files that are up to date leave room for more at once.
-			const bool canGoOn = !outcomes.empty() || (!pool.isFull() && next < m_files.size() && !isStopped());
+			const bool canGoOn = !outcomes.empty() || (hasRoom && !pool.isFull() && next < m_files.size() && !isStopped());
 			signals.wait(canGoOn ? 0 : kRefreshMilliseconds);
 		}
 		for (const WorkerPool::Stopped& stopped : pool.stop())
@@ -182,13 +184,14 @@ private:
 		return UpdateRecord(m_options.sources.outputFolder, file.relativeOutput, m_options.convert.words, inputs);
 	}
 
-	void startFile(WorkerPool& pool, std::size_t index)
+	/// Returns false when there is no room for another worker at the moment.
+	bool startFile(WorkerPool& pool, std::size_t index)
 	{
 		const BatchFile& file = m_files[index];
 		if (!file.problem.empty())
 		{
 			fail(index, file.input + ": " + file.problem);
-			return;
+			return true;
 		}
 		const UpdateRecord record = recordOf(file);
 		if (m_options.isUpdate && record.isCurrent())
@@ -196,24 +199,34 @@ private:
 			m_entries[index] = entryOf(file.input, outputOf(file), kUpToDate, "");
 			m_progress->addFile(m_bytes[index], 0.0);
 			m_progress->log(file.input + " is up to date");
-			return;
+			return true;
 		}
 		ConvertOptions convert = m_options.convert;
 		convert.input = file.input;
 		convert.output = outputOf(file);
 		convert.isQuiet = true;
 		const bool isRecorded = m_options.isUpdate;
-		pool.start(index,
-		           [convert, record, isRecorded]()
-		           {
-			           record.forget();
-			           std::string report = convertInWorker(convert);
-			           if (isRecorded && !Json::parse(report).contains("error"))
-			           {
-				           record.store();
-			           }
-			           return report;
-		           });
+		const std::string problem = pool.start(index,
+		                                       [convert, record, isRecorded]()
+		                                       {
+			                                       record.forget();
+			                                       std::string report = convertInWorker(convert);
+			                                       if (isRecorded && !Json::parse(report).contains("error"))
+			                                       {
+				                                       record.store();
+			                                       }
+			                                       return report;
+		                                       });
+		if (problem.empty())
+		{
+			return true;
+		}
+		if (!pool.isEmpty())
+		{
+			return false;
+		}
+		fail(index, file.input + ": " + problem);
+		return true;
 	}
 
 	void finishFile(const WorkerPool::Outcome& outcome)
@@ -222,6 +235,7 @@ private:
 		const Json report = Json::parse(outcome.text, nullptr, false);
 		if (!outcome.death.empty() || !report.is_object())
 		{
+			removeTemporaryOf(outputOf(file), outcome.process);
 			const std::string message = firstLine(outcome.messages);
 			fail(outcome.index, file.input + ": " + (outcome.death.empty() ? "its worker told nothing" : outcome.death) +
 			                        (message.empty() ? "" : " (" + message + ")"));
@@ -261,17 +275,26 @@ void runBatch(const BatchOptions& options)
 {
 	checkConvertOptions(options.convert, options.sources.extension);
 	removeStaleTemporaries(options.sources.outputFolder);
-	std::optional<ScratchFolder> scratch(std::in_place);
 	Batch batch(options);
+	std::optional<ScratchFolder> scratch(std::in_place);
 	const int signal = batch.run();
 	scratch.reset();
 
 	const std::vector<Json>& entries = batch.entries();
 	const double seconds = batch.progress().seconds();
 	const Json report = batchReport(options.convert.words, seconds, entries);
+	std::string reportProblem;
 	if (!options.report.empty())
 	{
-		saveReport(report, options.report);
+		try
+		{
+			saveReport(report, options.report);
+		}
+		catch (const Refusal& refusal)
+		{
+			reportProblem = refusal.what();
+			std::cerr << "zortex: " << reportProblem << "\n";
+		}
 	}
 	if (options.convert.isJson)
 	{
@@ -283,7 +306,7 @@ void runBatch(const BatchOptions& options)
 		std::cerr << "zortex: interrupted: " << counts << "\n";
 		throw Interrupted{signal};
 	}
-	if (countOf(entries, kFailed) + countOf(entries, kNotRun) > 0)
+	if (countOf(entries, kFailed) + countOf(entries, kNotRun) > 0 || !reportProblem.empty())
 	{
 		throw Refusal(options.sources.outputFolder, counts);
 	}

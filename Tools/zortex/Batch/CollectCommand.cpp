@@ -31,6 +31,7 @@ std::vector<std::string> reportFiles(const std::vector<std::string>& inputs)
 			continue;
 		}
 		std::vector<std::string> found = expandPattern(isFolder ? input + "/*.json" : input);
+		std::erase_if(found, [](const std::string& path) { return isTemporaryName(fs::path(path).filename().string()); });
 		// In the order in which they were written: a repeated share corrects an earlier one.
 		std::stable_sort(found.begin(), found.end(),
 		                 [](const std::string& a, const std::string& b)
@@ -106,7 +107,7 @@ void runCollect(const CollectOptions& options)
 	{
 		for (const std::string& input : readList(options.list))
 		{
-			byInput.try_emplace(input, entryOf(input, "", kNotRun, "no report tells of it"));
+			byInput.try_emplace(input, entryOf(input, "", kNotRun, input + ": no report tells of it"));
 		}
 	}
 

@@ -33,6 +33,12 @@ fs::path insidePath(const fs::path& path)
 	return inside;
 }
 
+bool isBelow(const fs::path& path, const fs::path& folder)
+{
+	const fs::path relative = path.lexically_relative(folder);
+	return !relative.empty() && *relative.begin() != "..";
+}
+
 class Collector
 {
 public:
@@ -75,7 +81,7 @@ public:
 		{
 			relative = relative.filename();
 		}
-		add(input, relative);
+		add(input, relative, true);
 	}
 
 	std::vector<BatchFile> files()
@@ -86,6 +92,12 @@ public:
 		for (const auto& [input, relative] : m_files)
 		{
 			BatchFile file = {input, relative, ""};
+			if (const auto problem = m_problems.find(input); problem != m_problems.end())
+			{
+				file.problem = problem->second;
+				files.push_back(std::move(file));
+				continue;
+			}
 			const auto [maker, isNew] = makers.try_emplace(relative, input);
 			if (!isNew)
 			{
@@ -97,10 +109,21 @@ public:
 	}
 
 private:
-	void add(const std::string& input, const fs::path& relative)
+	/// @param isNamed  the file itself was asked for; else it was found.
+	void add(const std::string& input, const fs::path& relative, bool isNamed)
 	{
 		fs::path output = insidePath(relative);
 		output.replace_extension(m_sources.extension);
+		std::error_code error;
+		if (fs::path(input).filename() == output.filename() && fs::equivalent(input, fs::path(m_sources.outputFolder) / output, error))
+		{
+			// The result of an earlier run, or a source that its result would replace.
+			if (!isNamed)
+			{
+				return;
+			}
+			m_problems[input] = "its result would replace it";
+		}
 		m_files.try_emplace(input, output.string());
 	}
 
@@ -112,11 +135,16 @@ private:
 			throw Refusal(pattern, "names no file");
 		}
 		const fs::path folder(fixedFolder(pattern));
+		std::error_code error;
+		const fs::path top = fs::weakly_canonical(folder.empty() ? fs::path(".") : folder, error);
+		const bool isOutputBelow = m_outputFolder != top && isBelow(m_outputFolder, top);
 		for (const std::string& match : matches)
 		{
-			if (!isTemporaryName(fs::path(match).filename().string()))
+			// The results of an earlier run are no inputs.
+			const bool isResult = isOutputBelow && isBelow(fs::weakly_canonical(match, error), m_outputFolder);
+			if (!isResult && !isTemporaryName(fs::path(match).filename().string()))
 			{
-				add(match, folder.empty() ? fs::path(match) : fs::path(match).lexically_relative(folder));
+				add(match, folder.empty() ? fs::path(match) : fs::path(match).lexically_relative(folder), false);
 			}
 		}
 	}
@@ -136,7 +164,7 @@ private:
 	{
 		std::error_code error;
 		fs::directory_iterator entry(folder, error);
-		if (error)
+		if (error && folder == top)
 		{
 			throw Refusal(folder.string(), "cannot be read: " + error.message());
 		}
@@ -161,8 +189,13 @@ private:
 			const Container* container = containerOf(name);
 			if (container != nullptr && container->reads && !fs::is_directory(path, ignored))
 			{
-				add(path.string(), path.lexically_relative(top));
+				add(path.string(), path.lexically_relative(top), false);
 			}
+		}
+		if (error)
+		{
+			m_problems[folder.string()] = "cannot be read: " + error.message();
+			m_files.try_emplace(folder.string(), insidePath(folder.lexically_relative(top)).string());
 		}
 	}
 
@@ -170,6 +203,8 @@ private:
 	fs::path m_outputFolder;
 	/// Results by input; the order of the keys is that of the list.
 	std::map<std::string, std::string> m_files;
+	/// Why some of them cannot be converted.
+	std::map<std::string, std::string> m_problems;
 };
 } // namespace
 

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <iostream>
-#include <stdexcept>
 #include <sys/select.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,11 +16,12 @@ namespace zortex
 {
 namespace
 {
-constexpr int kWatchedSignals[] = {SIGINT, SIGTERM, SIGCHLD};
+constexpr int kWatchedSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGCHLD};
 
 volatile std::sig_atomic_t receivedSignal = 0;
 
 struct sigaction oldActions[std::size(kWatchedSignals)];
+struct sigaction oldPipeAction;
 sigset_t oldMask;
 
 void takeSignal(int signal)
@@ -56,6 +56,10 @@ SignalWatch::SignalWatch()
 		action.sa_handler = takeSignal;
 		sigaction(kWatchedSignals[i], &action, &oldActions[i]);
 	}
+	// Whoever reads the messages may go away; the files are converted all the same.
+	struct sigaction ignored = {};
+	ignored.sa_handler = SIG_IGN;
+	sigaction(SIGPIPE, &ignored, &oldPipeAction);
 }
 
 SignalWatch::~SignalWatch()
@@ -85,6 +89,7 @@ void SignalWatch::release() const
 	{
 		sigaction(kWatchedSignals[i], &oldActions[i], nullptr);
 	}
+	sigaction(SIGPIPE, &oldPipeAction, nullptr);
 	sigprocmask(SIG_SETMASK, &oldMask, nullptr);
 }
 
@@ -107,38 +112,50 @@ bool WorkerPool::isEmpty() const
 	return m_workers.empty();
 }
 
-void WorkerPool::start(std::size_t index, const std::function<std::string()>& task)
+std::string WorkerPool::start(std::size_t index, const std::function<std::string()>& task)
 {
 	Worker worker = {0, index, File(std::tmpfile()), File(std::tmpfile())};
 	if (!worker.text || !worker.messages)
 	{
-		throw std::runtime_error(std::string("no temporary file for a worker: ") + std::strerror(errno));
+		return std::string("no temporary file for a worker: ") + std::strerror(errno);
 	}
 	std::cout.flush();
 	std::cerr.flush();
 	std::fflush(nullptr);
+	const pid_t parent = getpid();
 	worker.process = fork();
 	if (worker.process < 0)
 	{
-		throw std::runtime_error(std::string("no process for a worker: ") + std::strerror(errno));
+		return std::string("no process for a worker: ") + std::strerror(errno);
 	}
 	if (worker.process == 0)
 	{
-		runTask(task, worker.text.get(), worker.messages.get());
+		runTask(task, parent, worker.text.get(), worker.messages.get());
 	}
 	// Here too, so that the group exists before anybody signals it.
 	setpgid(worker.process, worker.process);
 	m_workers.push_back(std::move(worker));
+	return "";
 }
 
-void WorkerPool::runTask(const std::function<std::string()>& task, std::FILE* text, std::FILE* messages) const
+void WorkerPool::runTask(const std::function<std::string()>& task, pid_t parent, std::FILE* text, std::FILE* messages) const
 {
 	// A group of its own: what the worker starts can be ended with it.
 	setpgid(0, 0);
 #ifdef __linux__
 	prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
+	if (getppid() != parent)
+	{
+		_exit(1); // it was gone before it could have taken this process with it
+	}
 	m_signals.release();
+	// The other workers' files would take up this one's share of descriptors.
+	for (const Worker& worker : m_workers)
+	{
+		close(fileno(worker.text.get()));
+		close(fileno(worker.messages.get()));
+	}
 	const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
 	if (nowhere >= 0)
 	{
@@ -189,7 +206,7 @@ std::vector<WorkerPool::Outcome> WorkerPool::collect()
 			++i;
 			continue;
 		}
-		Outcome outcome = {m_workers[i].index, "", "", contentsOf(m_workers[i].messages.get())};
+		Outcome outcome = {m_workers[i].index, m_workers[i].process, "", "", contentsOf(m_workers[i].messages.get())};
 		if (ended > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0)
 		{
 			outcome.text = contentsOf(m_workers[i].text.get());

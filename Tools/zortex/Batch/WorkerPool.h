@@ -12,7 +12,8 @@
 
 namespace zortex
 {
-/// Takes SIGINT and SIGTERM for as long as it exists, and lets wait() see them and the end of children without a race.
+/// Takes SIGINT, SIGTERM and SIGHUP for as long as it exists, ignores SIGPIPE, and lets wait() see them and the end of children without a
+/// race.
 class SignalWatch
 {
 public:
@@ -38,6 +39,7 @@ public:
 	struct Outcome
 	{
 		std::size_t index;
+		pid_t process;
 		/// What the task returned; empty when the worker died.
 		std::string text;
 		/// How the worker died; empty when it did not.
@@ -55,8 +57,9 @@ public:
 	bool isFull() const;
 	bool isEmpty() const;
 
-	/// Runs a task in a process of its own, without standard output. Throws std::runtime_error when none can be had.
-	void start(std::size_t index, const std::function<std::string()>& task);
+	/// Runs a task in a process of its own, without standard output.
+	/// @return why none can be had; empty when it runs.
+	std::string start(std::size_t index, const std::function<std::string()>& task);
 
 	/// The outcomes of the workers that have ended since the last call.
 	std::vector<Outcome> collect();
@@ -88,7 +91,7 @@ private:
 		File messages;
 	};
 
-	[[noreturn]] void runTask(const std::function<std::string()>& task, std::FILE* text, std::FILE* messages) const;
+	[[noreturn]] void runTask(const std::function<std::string()>& task, pid_t parent, std::FILE* text, std::FILE* messages) const;
 	static std::string contentsOf(std::FILE* file);
 
 	unsigned int m_limit;
