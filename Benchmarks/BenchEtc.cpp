@@ -1,4 +1,4 @@
-// The ETC and EAC codecs on one thread, through their entry points.
+// The ETC and EAC compressors on one thread, through their entry points.
 
 #include <vector>
 
@@ -42,20 +42,6 @@ void encode(benchmark::State& state, const Case& one, int quality)
 	bench::countPixels(state, static_cast<unsigned long long>(side) * side);
 }
 
-void decode(benchmark::State& state, const Case& one)
-{
-	const CZORTexture picture = intermediatePicture(one);
-	const unsigned int side = one.side;
-	std::vector<unsigned char> blocks(static_cast<std::size_t>(side) * side);
-	std::vector<unsigned char> pixels(picture.getDataSize());
-	ETCCompress(picture.getDataPtr(), blocks.data(), side, side, 0, one.format, false);
-	for (auto _ : state)
-	{
-		benchmark::DoNotOptimize(ETCDecompress(blocks.data(), pixels.data(), side, side, one.format, false));
-	}
-	bench::countPixels(state, static_cast<unsigned long long>(side) * side);
-}
-
 BENCHMARK_CAPTURE(encode, etc1_0, kEtc1, 0)->Name("etc/encode ETC1 quality 0")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, etc1_1, kEtc1, 1)->Name("etc/encode ETC1 quality 1")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, etc2_0, kEtc2Rgb, 0)->Name("etc/encode ETC2 RGB quality 0")->Unit(benchmark::kMillisecond);
@@ -68,7 +54,4 @@ BENCHMARK_CAPTURE(encode, rgba_0, kEtc2Rgba, 0)->Name("etc/encode ETC2 RGBA qual
 BENCHMARK_CAPTURE(encode, rgba_1, kEtc2Rgba, 1)->Name("etc/encode ETC2 RGBA quality 1")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, a1, kEtc2RgbA1, 0)->Name("etc/encode ETC2 one-bit alpha")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, r11, kEacR11, 0)->Name("etc/encode EAC R11")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(decode, etc2, kEtc2Rgb)->Name("etc/decode ETC2 RGB")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(decode, rgba, kEtc2Rgba)->Name("etc/decode ETC2 RGBA")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(decode, dr11, kEacR11)->Name("etc/decode EAC R11")->Unit(benchmark::kMillisecond);
 } // namespace

@@ -1,6 +1,9 @@
 #include "Pictures.h"
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <png.h>
 #include <vector>
 
 using namespace zortexture;
@@ -35,6 +38,46 @@ CZORTexture makePicture(unsigned int width, unsigned int height, PixelType pixel
 {
 	CZORTexture texture = makePicture(width, height);
 	Transcode(texture, pixelType, channelType, eCS_lRGB);
+	return texture;
+}
+
+CZORTexture photograph(unsigned int side)
+{
+	static const CZORTexture whole = []
+	{
+		png_image image{};
+		image.version = PNG_IMAGE_VERSION;
+		if (png_image_begin_read_from_file(&image, ZORT_SAMPLES "/astronaut.png") == 0)
+		{
+			std::fprintf(stderr, "%s: %s\n", ZORT_SAMPLES "/astronaut.png", image.message);
+			std::exit(1);
+		}
+		image.format = PNG_FORMAT_RGBA;
+		std::vector<unsigned char> pixels(PNG_IMAGE_SIZE(image));
+		png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
+		return CZORTexture(CZORTextureHeader(ZORStandard8PixelType.id, image.height, image.width), pixels.data());
+	}();
+	CZORTexture square(whole);
+	if (side < whole.getWidth())
+	{
+		const int cut = static_cast<int>(whole.getWidth() - side) / 2;
+		ResizeCanvas(square, side, side, 1, -cut, -cut, 0);
+	}
+	return square;
+}
+
+CZORTexture makeCutOut(unsigned int width, unsigned int height)
+{
+	CZORTexture texture = makePicture(width, height);
+	auto* pixels = static_cast<unsigned char*>(texture.getDataPtr());
+	for (unsigned int y = 0; y < height; ++y)
+	{
+		for (unsigned int x = 0; x < width; ++x)
+		{
+			const bool isLeaf = std::sin(0.05f * static_cast<float>(x)) * std::sin(0.07f * static_cast<float>(y)) > 0.0f;
+			pixels[(static_cast<std::size_t>(y) * width + x) * 4 + 3] = isLeaf ? 255 : 0;
+		}
+	}
 	return texture;
 }
 } // namespace bench

@@ -10,7 +10,7 @@ declare -A packages=(
 	[build]="g++ cmake ninja-build libcli11-dev libpng-dev nlohmann-json3-dev libastcenc-dev"
 	[demo]="netpbm"
 	[test]="libgtest-dev clang python3 pkg-config make imagemagick python3-pil astcenc libegl-dev libgles-dev libgl1-mesa-dri doxygen dpkg-dev groff-base zsh mmdebstrap slurm-wlm munge"
-	[bench]="libbenchmark-dev python3"
+	[bench]="libbenchmark-dev libsquish-dev python3"
 	[lint]="clang-format clang-tidy"
 )
 

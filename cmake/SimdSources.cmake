@@ -1,0 +1,15 @@
+# zort_simd_sources(<target> <name>.simd.cpp...): sources that are built once for every vector unit of the processor family: as they
+# stand, with SSE2 on x86-64, and once more with AVX2. Other processors leave them out.
+function(zort_simd_sources target)
+  if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64" OR CMAKE_SIZEOF_VOID_P LESS 8)
+    return()
+  endif()
+  foreach(source ${ARGN})
+    get_filename_component(path ${source} ABSOLUTE)
+    get_filename_component(name ${source} NAME_WE)
+    set(twin ${CMAKE_CURRENT_BINARY_DIR}/${name}.avx2.cpp)
+    file(CONFIGURE OUTPUT ${twin} CONTENT "#include \"@path@\"\n" @ONLY)
+    target_sources(${target} PRIVATE ${path} ${twin})
+    set_source_files_properties(${twin} TARGET_DIRECTORY ${target} PROPERTIES COMPILE_OPTIONS "-mavx2;-mf16c")
+  endforeach()
+endfunction()
