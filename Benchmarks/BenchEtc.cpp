@@ -15,8 +15,6 @@ struct Case
 };
 
 constexpr Case kEtc1{ePF_ETC1, 512};
-constexpr Case kEtc1Small{ePF_ETC1, 64};
-constexpr Case kEtc2RgbSmall{ePF_ETC2_RGB, 64};
 constexpr Case kEtc2Rgb{ePF_ETC2_RGB, 512};
 constexpr Case kEtc2Rgba{ePF_ETC2_RGBA, 512};
 constexpr Case kEtc2RgbA1{ePF_ETC2_RGB_A1, 256};
@@ -46,10 +44,6 @@ BENCHMARK_CAPTURE(encode, etc1_0, kEtc1, 0)->Name("etc/encode ETC1 quality 0")->
 BENCHMARK_CAPTURE(encode, etc1_1, kEtc1, 1)->Name("etc/encode ETC1 quality 1")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, etc2_0, kEtc2Rgb, 0)->Name("etc/encode ETC2 RGB quality 0")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, etc2_1, kEtc2Rgb, 1)->Name("etc/encode ETC2 RGB quality 1")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(encode, etc1_2, kEtc1Small, 2)->Name("etc/encode ETC1 quality 2")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(encode, etc1_3, kEtc1Small, 3)->Name("etc/encode ETC1 quality 3")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(encode, etc2_2, kEtc2RgbSmall, 2)->Name("etc/encode ETC2 RGB quality 2")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(encode, etc2_3, kEtc2RgbSmall, 3)->Name("etc/encode ETC2 RGB quality 3")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, rgba_0, kEtc2Rgba, 0)->Name("etc/encode ETC2 RGBA quality 0")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, rgba_1, kEtc2Rgba, 1)->Name("etc/encode ETC2 RGBA quality 1")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, a1, kEtc2RgbA1, 0)->Name("etc/encode ETC2 one-bit alpha")->Unit(benchmark::kMillisecond);
