@@ -25,6 +25,8 @@ public:
 	explicit CZORTexture(const CZORTextureHeader& header, const void* data = nullptr);
 
 	CZORTexture(const CZORTexture& other);
+	/// Like a copy, but takes the other texture's block over and leaves it without data.
+	CZORTexture(CZORTexture&& other);
 
 	/// Loads a file; the extension alone picks the format: ktx, dds, astc (in any case), and native for all others.
 	/// Nothing is reported: test getDataPtr(0, 0, 0) against null. A file cut off in its pixels leaves zeroes at the end.
@@ -35,6 +37,8 @@ public:
 	explicit CZORTexture(const void* texture);
 
 	CZORTexture& operator=(const CZORTexture& other);
+	/// Like a copy, but takes the other texture's block over and leaves it without data.
+	CZORTexture& operator=(CZORTexture&& other);
 	~CZORTexture();
 
 	/// This texture's description.

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "ContainerFiles.h"
 #include "StringUtils.h"
@@ -103,6 +104,29 @@ CZORTexture& CZORTexture::operator=(const CZORTexture& other)
 	m_textureData = block.release();
 	m_dataSize = other.m_dataSize;
 	m_blockSize = m_textureData == nullptr ? 0 : other.m_dataSize;
+	return *this;
+}
+
+CZORTexture::CZORTexture(CZORTexture&& other)
+{
+	*this = std::move(other);
+}
+
+CZORTexture& CZORTexture::operator=(CZORTexture&& other)
+{
+	if (this == &other)
+	{
+		return *this;
+	}
+	if (other.m_dataSize != other.m_blockSize)
+	{
+		return *this = std::as_const(other); // a copy of it has a block of another size
+	}
+	CZORTextureHeader::operator=(other);
+	delete[] m_textureData;
+	m_textureData = std::exchange(other.m_textureData, nullptr);
+	m_dataSize = other.m_dataSize;
+	m_blockSize = std::exchange(other.m_blockSize, 0);
 	return *this;
 }
 

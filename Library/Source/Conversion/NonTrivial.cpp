@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "CodecDispatch.h"
@@ -123,7 +124,7 @@ unsigned int DecompressNonTrivial(CZORTexture& texture)
 			             std::memcpy(level, scratch.data(), shape.numPixels() * bytesPerPixel);
 		             }
 	             });
-	texture = decoded;
+	texture = std::move(decoded);
 	return bytesDecoded;
 }
 
@@ -177,7 +178,7 @@ unsigned int CompressNonTrivial(CZORTexture& texture, PixelType target, ECompres
 		             image.depth = shape.paddedDepth;
 		             bytesEncoded += encodeImage(image);
 	             });
-	texture = encoded;
+	texture = std::move(encoded);
 	return bytesEncoded;
 }
 } // namespace zortexture

@@ -1,5 +1,7 @@
 #include "Transcode.h"
 
+#include <utility>
+
 #include "Channels.h"
 #include "Processing/ElementDispatch.h"
 #include "TextureSize.h"
@@ -119,20 +121,26 @@ bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channel
 		return isWhole; // already there
 	}
 
-	CZORTextureHeader header(texture.getHeader());
-	header.setPixelFormat(workingType);
-	header.setChannelType(workingChannelType);
-	header.setColourSpace(colourSpace);
-	CZORTexture converted(header);
-	CPixelEncoder targetEncoder(workingType, workingChannelType);
-	TranscodeTrivial(texture, converted, sourceEncoder, targetEncoder, colourSpace, sourceSpace);
+	// Bytes that are the working form already are compressed where they lie: large textures cost a copy less.
+	const bool isWorkingForm = target.isCompressed() && texture.getPixelType().id == workingType.id && sourceSpace == colourSpace &&
+	                           texture.getChannelType() == eVT_UnsignedByteNorm && workingChannelType == eVT_UnsignedByteNorm;
+	if (!isWorkingForm)
+	{
+		CZORTextureHeader header(texture.getHeader());
+		header.setPixelFormat(workingType);
+		header.setChannelType(workingChannelType);
+		header.setColourSpace(colourSpace);
+		CZORTexture converted(header);
+		CPixelEncoder targetEncoder(workingType, workingChannelType);
+		TranscodeTrivial(texture, converted, sourceEncoder, targetEncoder, colourSpace, sourceSpace);
+		texture = std::move(converted);
+	}
 
 	if (target.isCompressed())
 	{
-		const unsigned int bytesEncoded = CompressNonTrivial(converted, target, quality);
-		isWhole = isWhole && converted.getDataSize(-1, true, true) == bytesEncoded;
+		const unsigned int bytesEncoded = CompressNonTrivial(texture, target, quality);
+		isWhole = isWhole && texture.getDataSize(-1, true, true) == bytesEncoded;
 	}
-	texture = converted;
 	return isWhole;
 }
 } // namespace zortexture

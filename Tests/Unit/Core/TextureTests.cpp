@@ -64,6 +64,23 @@ TEST(Texture, CopiesDeeply)
 	EXPECT_EQ(blockOf(CZORTexture(CZORTextureHeader(kRgb8, 2, 2))), std::string(12, '\0'));
 }
 
+TEST(Texture, MovesItsBlock)
+{
+	CZORTexture texture = countingTexture(CZORTextureHeader(kRgb8, 2, 2));
+	const void* const block = texture.getDataPtr(0, 0, 0);
+	CZORTexture moved(std::move(texture));
+	CZORTexture assigned(CZORTextureHeader(kR8, 9, 9));
+	assigned = std::move(moved);
+	EXPECT_EQ(assigned.getDataPtr(0, 0, 0), block);
+	EXPECT_EQ(assigned.getWidth(), 2u);
+	EXPECT_TRUE(assigned.isDataComplete());
+	for (const CZORTexture* const left : {&texture, &moved})
+	{
+		EXPECT_EQ(left->getDataPtr(0, 0, 0), nullptr);
+		EXPECT_FALSE(left->isDataComplete());
+	}
+}
+
 /// The bytes that a header describes, in a type that does not wrap; exact below 2^53.
 double describedBytes(const CZORTextureHeader& header)
 {
