@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "ElementDispatch.h"
 #include "Geometry.h"
@@ -162,7 +163,7 @@ bool Border(CZORTexture& texture, unsigned int borderX, unsigned int borderY, un
 			                                           texture.getHeight(0), texture.getDepth(0), newWidth, newHeight, newDepth);
 		                             });
 	             });
-	texture = newTexture;
+	texture = std::move(newTexture);
 	texture.setBorder(borderX, borderY, borderZ);
 	return true;
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "ElementDispatch.h"
 #include "MIPMaps.h"
@@ -78,7 +79,7 @@ bool GenerateMIPMaps(CZORTexture& texture, EResizeMode mode, unsigned int mipLev
 			}
 		}
 	}
-	texture = newTexture;
+	texture = std::move(newTexture);
 	return true;
 }
 } // namespace zortexture

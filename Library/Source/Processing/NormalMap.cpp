@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "ElementDispatch.h"
 #include "StandardTexture.h"
@@ -181,7 +182,7 @@ bool GenerateNormalMap(CZORTexture& texture, float scale, const std::string& cha
 			                                                             texture.getDepth(level), scale, order.c_str());
 		                                      });
 	             });
-	texture = newTexture;
+	texture = std::move(newTexture);
 	texture.setBumpMap(scale, order);
 	return result;
 }

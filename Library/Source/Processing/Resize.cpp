@@ -128,7 +128,7 @@ bool Resize(CZORTexture& texture, const unsigned int& width, const unsigned int&
 		                                                 });
 		                                    return last;
 	                                    });
-	texture = resized;
+	texture = std::move(resized);
 	return result;
 }
 

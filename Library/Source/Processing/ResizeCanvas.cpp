@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "ElementDispatch.h"
 #include "Geometry.h"
@@ -79,7 +80,7 @@ bool ResizeCanvas(CZORTexture& texture, const unsigned int& width, const unsigne
 			}
 		}
 	}
-	texture = newTexture;
+	texture = std::move(newTexture);
 	return true;
 }
 } // namespace zortexture

@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <utility>
 
 #include "ElementDispatch.h"
 #include "Geometry.h"
@@ -120,7 +121,7 @@ bool Rotate90(CZORTexture& texture, EZORTAxis axis, bool forward)
 			                                                 texture.getHeight(level), texture.getDepth(level), axis, forward);
 		                                 });
 	             });
-	texture = newTexture;
+	texture = std::move(newTexture);
 	return result;
 }
 } // namespace zortexture
