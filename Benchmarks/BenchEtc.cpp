@@ -1,4 +1,4 @@
-// The ETC and EAC compressors on one thread, through their entry points.
+// The ETC compressors on one thread, through their entry points.
 
 #include <vector>
 
@@ -18,7 +18,6 @@ constexpr Case kEtc1{ePF_ETC1, 512};
 constexpr Case kEtc2Rgb{ePF_ETC2_RGB, 512};
 constexpr Case kEtc2Rgba{ePF_ETC2_RGBA, 512};
 constexpr Case kEtc2RgbA1{ePF_ETC2_RGB_A1, 256};
-constexpr Case kEacR11{ePF_EAC_R11, 64};
 
 CZORTexture intermediatePicture(const Case& one)
 {
@@ -47,5 +46,4 @@ BENCHMARK_CAPTURE(encode, etc2_1, kEtc2Rgb, 1)->Name("etc/encode ETC2 RGB qualit
 BENCHMARK_CAPTURE(encode, rgba_0, kEtc2Rgba, 0)->Name("etc/encode ETC2 RGBA quality 0")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, rgba_1, kEtc2Rgba, 1)->Name("etc/encode ETC2 RGBA quality 1")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(encode, a1, kEtc2RgbA1, 0)->Name("etc/encode ETC2 one-bit alpha")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(encode, r11, kEacR11, 0)->Name("etc/encode EAC R11")->Unit(benchmark::kMillisecond);
 } // namespace
