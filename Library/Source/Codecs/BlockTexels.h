@@ -37,4 +37,32 @@ inline void gatherTexels(const unsigned char* image, std::size_t width, std::siz
 		}
 	}
 }
+
+/// Decodes an image of blocks, which follow each other row after row. `decode(blocks, count, texels, rowBytes)` writes `count` whole blocks
+/// side by side, four rows whose starts are `rowBytes` apart; it gets blocks that cross an edge one by one, into room of their own.
+template<typename Decode>
+inline void scatterBlocks(const unsigned char* blocks, std::size_t blockBytes, unsigned char* image, std::size_t width, std::size_t height,
+                          std::size_t texelBytes, Decode&& decode)
+{
+	for (std::size_t y = 0; y < height; y += 4)
+	{
+		const std::size_t rows = height - y < 4 ? height - y : 4;
+		const std::size_t whole = rows == 4 ? width / 4 : 0;
+		if (whole != 0)
+		{
+			decode(blocks, whole, image + y * width * texelBytes, width * texelBytes);
+			blocks += whole * blockBytes;
+		}
+		for (std::size_t x = whole * 4; x < width; x += 4, blocks += blockBytes)
+		{
+			unsigned char texels[16 * 4];
+			decode(blocks, std::size_t{1}, texels, 4 * texelBytes);
+			const std::size_t columns = width - x < 4 ? width - x : 4;
+			for (std::size_t row = 0; row < rows; ++row)
+			{
+				std::memcpy(image + ((y + row) * width + x) * texelBytes, texels + row * 4 * texelBytes, columns * texelBytes);
+			}
+		}
+	}
+}
 } // namespace zortexture

@@ -4,9 +4,11 @@
 /// after row. Words are little-endian in memory.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "Pixel.h"
+#include "Simd/SimdLevel.h"
 
 namespace zortexture
 {
@@ -55,4 +57,11 @@ DXTColours encodeDXTColours(const Pixel<unsigned char>* pixels, bool mayPunchThr
 
 /// Blocks of three or more colours: the end points lie on the principal axis of the texels' colours, the others between them.
 DXTColours fitDXTPrincipalAxis(const DXTTexels& texels);
+
+/// Decodes `count` whole blocks that lie side by side into four rows of R, G, B, A texels, the starts of which are `rowBytes` apart.
+template<ESimdLevel level>
+void decodeDXTBlocks(const unsigned char* blocks, std::size_t count, unsigned int number, unsigned char* texels, std::size_t rowBytes);
+template<>
+void decodeDXTBlocks<eSimdPlain>(const unsigned char* blocks, std::size_t count, unsigned int number, unsigned char* texels,
+                                 std::size_t rowBytes);
 } // namespace zortexture

@@ -1,9 +1,9 @@
 // The decoder.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
+#include "Codecs/BlockTexels.h"
 #include "DXTBlock.h"
 #include "DXTCodec.h"
 
@@ -109,6 +109,21 @@ void decodeBlock(const unsigned char* block, unsigned int number, Pixel<unsigned
 }
 } // namespace
 
+template<>
+void decodeDXTBlocks<eSimdPlain>(const unsigned char* blocks, std::size_t count, unsigned int number, unsigned char* texels,
+                                 std::size_t rowBytes)
+{
+	for (std::size_t i = 0; i < count; ++i)
+	{
+		Pixel<unsigned char> decoded[kDXTBlockTexels];
+		decodeBlock(blocks + i * dxtBlockBytes(number), number, decoded);
+		for (std::size_t row = 0; row < kDXTBlockSide; ++row)
+		{
+			std::memcpy(texels + row * rowBytes + i * 16, decoded + row * kDXTBlockSide, 16);
+		}
+	}
+}
+
 unsigned int DXTDecompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height,
                            const unsigned int& number)
 {
@@ -122,23 +137,14 @@ unsigned int DXTDecompress(const void* source, void* destination, const unsigned
 	{
 		return size;
 	}
-	constexpr std::size_t kPixelBytes = sizeof(Pixel<unsigned char>);
-	const auto* block = static_cast<const unsigned char*>(source);
-	auto* image = static_cast<unsigned char*>(destination);
-	for (std::size_t y = 0; y < height; y += kDXTBlockSide)
-	{
-		const std::size_t rows = std::min<std::size_t>(kDXTBlockSide, height - y);
-		for (std::size_t x = 0; x < width; x += kDXTBlockSide, block += blockBytes)
-		{
-			Pixel<unsigned char> texels[kDXTBlockTexels];
-			decodeBlock(block, number, texels);
-			const std::size_t columns = std::min<std::size_t>(kDXTBlockSide, width - x);
-			for (std::size_t row = 0; row < rows; ++row)
-			{
-				std::memcpy(image + ((y + row) * width + x) * kPixelBytes, texels + row * kDXTBlockSide, columns * kPixelBytes);
-			}
-		}
-	}
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    scatterBlocks(static_cast<const unsigned char*>(source), blockBytes, static_cast<unsigned char*>(destination), width, height,
+		                  sizeof(Pixel<unsigned char>),
+		                  [&](const unsigned char* blocks, std::size_t count, unsigned char* texels, std::size_t rowBytes)
+		                  { decodeDXTBlocks<level>(blocks, count, number, texels, rowBytes); });
+	    });
 	return size;
 }
 } // namespace zortexture
