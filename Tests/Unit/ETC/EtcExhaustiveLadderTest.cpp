@@ -48,11 +48,11 @@ unsigned int leastError(const Rgb16& block, bool isPlain, bool isEtc2)
 		unsigned int planar = 0;
 		if (isPlain)
 		{
-			planar = compressBlockPlanar57Exhaustive(source, 4, 0, 0, word1, word2, ceiling, noSeed, searchSpace());
+			planar = compressBlockPlanar57Exhaustive(source, 4, 0, 0, word1, word2, ceiling, noSeed);
 		}
 		else
 		{
-			planar = compressBlockPlanar57ExhaustivePerceptual(source, 4, 0, 0, word1, word2, ceiling, noSeed, searchSpace());
+			planar = compressBlockPlanar57ExhaustivePerceptual(source, 4, 0, 0, word1, word2, ceiling, noSeed);
 		}
 		least =
 		    std::min({least, planar, run(isPlain ? compressBlockTHUMB59TExhaustive : compressBlockTHUMB59TExhaustivePerceptual, ceiling),

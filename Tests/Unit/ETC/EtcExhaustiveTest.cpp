@@ -250,7 +250,7 @@ TEST(EtcExhaustive, PlanarEqualsTryingEveryPlane)
 		const Words words{red[0] << 26 | green[0] << 19 | blue[0] << 13 | red[1] << 7 | green[1],
 		                  blue[1] << 26 | red[2] << 20 | green[2] << 13 | blue[2] << 7};
 		const auto search = &measure == &kPlain ? compressBlockPlanar57Exhaustive : compressBlockPlanar57ExhaustivePerceptual;
-		EXPECT_EQ(run(search, decompressBlockPlanar57, block, measure, measure.ceiling, seedErrors, searchSpace()), (Found{error, words}))
+		EXPECT_EQ(run(search, decompressBlockPlanar57, block, measure, measure.ceiling, seedErrors), (Found{error, words}))
 		    << "turn " << turn;
 	}
 }
@@ -260,13 +260,13 @@ TEST(EtcExhaustive, TheBoundDecidesWhatIsFound)
 {
 	std::mt19937 random(64);
 	const auto planar = [](const unsigned char* source, unsigned int width, unsigned int x, unsigned int y, unsigned int& word1,
-	                       unsigned int& word2, unsigned int bound, EtcSearchSpace& space)
+	                       unsigned int& word2, unsigned int bound, EtcSearchSpace& /*space*/)
 	{
 		unsigned int errors[3];
 		unsigned char decoded[48];
 		compressBlockPlanar57(source, width, x, y, word1, word2);
 		decompressBlockPlanar57errorPerComponent(word1, word2, decoded, width, x, y, source, errors[0], errors[1], errors[2]);
-		return compressBlockPlanar57Exhaustive(source, width, x, y, word1, word2, bound, errors, space);
+		return compressBlockPlanar57Exhaustive(source, width, x, y, word1, word2, bound, errors);
 	};
 	using Search = unsigned int (*)(const unsigned char*, unsigned int, unsigned int, unsigned int, unsigned int&, unsigned int&,
 	                                unsigned int, EtcSearchSpace&);

@@ -101,7 +101,7 @@ template<typename Twin>
 Candidate runPlanarExhaustive(const Block& block, const unsigned int (&seedErrors)[3], unsigned int& bound)
 {
 	Candidate planar;
-	Twin::kPlanar(block.source, block.width, block.startX, block.startY, planar.word1, planar.word2, bound, seedErrors, block.space);
+	Twin::kPlanar(block.source, block.width, block.startX, block.startY, planar.word1, planar.word2, bound, seedErrors);
 	planar.error = measurePlanar<Twin>(block, planar);
 	bound = std::min(bound, planar.error);
 	return planar;

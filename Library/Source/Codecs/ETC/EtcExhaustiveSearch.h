@@ -65,13 +65,13 @@ unsigned int compressBlockDifferentialExhaustivePerceptual(const unsigned char* 
                                                            unsigned int bound, EtcSearchSpace& space);
 
 /// All planes, in packed form. `seedErrors` are the errors in R, G and B of compressBlockPlanar57's block, on the scale of the search:
-/// they bound each channel apart. A channel without a plane within the bounds keeps the seed's.
+/// they bound each channel apart. A channel that cannot be part of a block within the bound keeps the seed's.
 unsigned int compressBlockPlanar57Exhaustive(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,
                                              unsigned int& word1, unsigned int& word2, unsigned int bound,
-                                             const unsigned int (&seedErrors)[3], EtcSearchSpace& space);
+                                             const unsigned int (&seedErrors)[3]);
 unsigned int compressBlockPlanar57ExhaustivePerceptual(const unsigned char* source, unsigned int width, unsigned int startX,
                                                        unsigned int startY, unsigned int& word1, unsigned int& word2, unsigned int bound,
-                                                       const unsigned int (&seedErrors)[3], EtcSearchSpace& space);
+                                                       const unsigned int (&seedErrors)[3]);
 
 /// All pairs of 4-bit colours, in packed form. The channels count R, G, B; in each the colour that carries the distance counts before
 /// the plain one.

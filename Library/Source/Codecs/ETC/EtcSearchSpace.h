@@ -42,10 +42,6 @@ struct EtcSearchSpace
 	/// The errors of left, right, top and bottom half by 5-bit colour.
 	unsigned int halfErrors[4][kColours5Bits];
 
-	/// Planar: what the left column costs by origin and vertical corner, and the anti-diagonal by horizontal and vertical corner.
-	unsigned int columnErrors[128][128];
-	unsigned int diagonalErrors[128][128];
-
 	/// By channel and level of T and H colours.
 	OffsetErrors offsetErrors[3][16];
 	/// For both colours of a pair, by red, by red and green, and by all channels; H uses the first of each for both.
