@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "Simd/SimdLevels.h"
 #include "TesselCodec.h"
 #include "TesselOracle.h"
 
@@ -176,13 +177,14 @@ TEST(TesselDecoder, HardBlocksKeepTheirOwnColours)
 	EXPECT_EQ(at(palette, 8, 2, 2), (Rgba{41 * 3 / 8, 0, 0, 255}));
 }
 
-TEST(TesselDecoder, EqualsTheOracleAtAllSizes)
+TEST(TesselDecoder, EqualsTheOracleAtAllSizesAndVectorLevels)
 {
 	std::mt19937 random(7);
-	std::vector<unsigned> sizes = {1, 2, 3, 4, 5, 7, 8, 9, 11, 12, 15, 16, 17, 20, 24, 31, 32, 36, 40};
-	for (const unsigned height : sizes)
+	const std::vector<unsigned> widths = {1, 2, 3, 4, 5, 7, 8, 9, 11, 12, 15, 16, 17, 20, 24, 31, 32, 36, 40, 67, 128};
+	const std::vector<unsigned> heights = {1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12, 16, 17, 23, 32};
+	for (const unsigned height : heights)
 	{
-		for (const unsigned width : sizes)
+		for (const unsigned width : widths)
 		{
 			for (const unsigned variant : {0U, 1U, 2U, 3U})
 			{
@@ -191,8 +193,12 @@ TEST(TesselDecoder, EqualsTheOracleAtAllSizes)
 				// As few blocks as the documented data sizes have.
 				const std::size_t count = std::size_t(oracleBlocksX(width, is2bpp, second)) * oracleBlocksY(height, second);
 				const std::vector<OracleBlock> blocks = randomBlocks(count, random);
-				ASSERT_EQ(decode(blocks, width, height, is2bpp, second ? 1 : 0), oracleDecode(blocks, width, height, is2bpp, second))
-				    << width << "x" << height << " variant " << variant;
+				const std::vector<std::uint8_t> expected = oracleDecode(blocks, width, height, is2bpp, second);
+				for (const ESimdLevel level : {eSimdPlain, eSimdSse2, eSimdAvx2})
+				{
+					ASSERT_EQ(atSimdLevel(level, [&]() { return decode(blocks, width, height, is2bpp, second ? 1 : 0); }), expected)
+					    << width << "x" << height << " variant " << variant << " level " << level;
+				}
 			}
 		}
 	}

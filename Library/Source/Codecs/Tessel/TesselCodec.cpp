@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Pixel.h"
+#include "TesselBands.h"
 #include "TesselPadding.h"
 #include "kiln/wrapper.h"
 
@@ -60,6 +61,30 @@ Encoder encoderFor(unsigned version, bool is2bpp, unsigned quality)
 	}
 	return quality == 0 && !is2bpp ? encodeSections : encodeSecondGenerationFast;
 }
+
+bool decodeSecondGeneration(const void* compressed, void* pixels, unsigned width, unsigned height, bool is2bpp)
+{
+	constexpr unsigned kSecond = 1;
+	const unsigned blockWidth = is2bpp ? 8 : 4;
+	// The pixel-by-pixel decoder's own limits, which are refused below as ever.
+	if (width != 0 && height != 0 && width <= INT_MAX - 7 && height <= INT_MAX - 3)
+	{
+		const TesselBandPicture picture = {static_cast<const unsigned char*>(compressed),
+		                                   (width + blockWidth - 1) / blockWidth,
+		                                   (height + 3) / 4,
+		                                   is2bpp,
+		                                   true,
+		                                   static_cast<unsigned char*>(pixels),
+		                                   width,
+		                                   height,
+		                                   width};
+		if (decodeTesselBands(picture))
+		{
+			return true;
+		}
+	}
+	return tessel_decompress(compressed, pixels, width, height, kSecond, is2bpp) != 0;
+}
 } // namespace
 
 unsigned int TesselDecompress(const void* compressed, void* pixels, const unsigned int& width, const unsigned int& height, bool is2bpp,
@@ -76,7 +101,7 @@ unsigned int TesselDecompress(const void* compressed, void* pixels, const unsign
 	}
 	if (version != 0)
 	{
-		return tessel_decompress(compressed, pixels, width, height, version, is2bpp) != 0 ? size : 0;
+		return decodeSecondGeneration(compressed, pixels, width, height, is2bpp) ? size : 0;
 	}
 	if (width > INT_MAX || height > INT_MAX)
 	{

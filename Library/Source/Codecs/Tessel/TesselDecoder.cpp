@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "TesselBands.h"
 #include "TesselBlock.h"
 #include "TesselCodec.h"
 #include "TesselModulation.h"
@@ -193,6 +194,19 @@ int ZORTDecompressTessel(const void* compressed, int is2bpp, int width, int heig
 	{
 		// Columns and rows after the last whole block.
 		std::memset(pixels, 0, std::size_t(4) * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+	}
+	const TesselBandPicture picture = {static_cast<const unsigned char*>(compressed),
+	                                   static_cast<std::uint32_t>(numX),
+	                                   static_cast<std::uint32_t>(numY),
+	                                   is2bpp != 0,
+	                                   false,
+	                                   pixels,
+	                                   static_cast<std::size_t>(coveredWidth),
+	                                   static_cast<std::size_t>(coveredHeight),
+	                                   static_cast<std::size_t>(width)};
+	if (decodeTesselBands(picture))
+	{
+		return consumed;
 	}
 	const BlockReader reader(compressed, static_cast<std::uint32_t>(numX), static_cast<std::uint32_t>(numY));
 	if (is2bpp)
