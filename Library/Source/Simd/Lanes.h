@@ -203,11 +203,19 @@ ZORT_INLINE auto shuffle(Lanes<T, N> a, Lanes<T, N> b)
 {
 	return Lanes<T, sizeof...(Indices)>{__builtin_shufflevector(a.v, b.v, Indices...)};
 }
+// Halves of a wide register are moved by its own instructions, since compilers send copies in memory through memory.
+
 /// The first half of the lanes.
 template<typename T, unsigned int N>
 ZORT_INLINE Lanes<T, N / 2> lower(Lanes<T, N> a)
 {
 	Lanes<T, N / 2> result;
+#if defined(__AVX2__)
+	if constexpr (sizeof(a.v) == 32)
+	{
+		return {reinterpret_cast<decltype(result.v)>(_mm256_castsi256_si128(reinterpret_cast<__m256i>(a.v)))};
+	}
+#endif
 	std::memcpy(&result.v, &a.v, sizeof(result.v));
 	return result;
 }
@@ -216,6 +224,12 @@ template<typename T, unsigned int N>
 ZORT_INLINE Lanes<T, N / 2> upper(Lanes<T, N> a)
 {
 	Lanes<T, N / 2> result;
+#if defined(__AVX2__)
+	if constexpr (sizeof(a.v) == 32)
+	{
+		return {reinterpret_cast<decltype(result.v)>(_mm256_extracti128_si256(reinterpret_cast<__m256i>(a.v), 1))};
+	}
+#endif
 	std::memcpy(&result.v, reinterpret_cast<const char*>(&a.v) + sizeof(result.v), sizeof(result.v));
 	return result;
 }
@@ -232,6 +246,13 @@ ZORT_INLINE Lanes<T, N * 2> join(Lanes<T, N> low, Lanes<T, N> high)
 	}
 #endif
 	Lanes<T, N * 2> result;
+#if defined(__AVX2__)
+	if constexpr (sizeof(low.v) == 16)
+	{
+		const __m256i wide = _mm256_castsi128_si256(reinterpret_cast<__m128i>(low.v));
+		return {reinterpret_cast<decltype(result.v)>(_mm256_inserti128_si256(wide, reinterpret_cast<__m128i>(high.v), 1))};
+	}
+#endif
 	std::memcpy(&result.v, &low.v, sizeof(low.v));
 	std::memcpy(reinterpret_cast<char*>(&result.v) + sizeof(low.v), &high.v, sizeof(high.v));
 	return result;
@@ -316,6 +337,51 @@ ZORT_INLINE Lanes<std::uint64_t, N / 8> sumsOfDifferences(Lanes<std::uint8_t, N>
 ZORT_LANES_BINARY(packSigned, std::int16_t, std::int8_t, 2, _mm_packs_epi16, _mm256_packs_epi16)
 ZORT_LANES_BINARY(packSigned, std::int32_t, std::int16_t, 2, _mm_packs_epi32, _mm256_packs_epi32)
 ZORT_LANES_BINARY(packUnsigned, std::int16_t, std::uint8_t, 2, _mm_packus_epi16, _mm256_packus_epi16)
+
+/// Numbers of four bytes likewise, those within 32768 of the least one excepted.
+template<unsigned int N>
+ZORT_INLINE Lanes<std::uint16_t, N * 2> packUnsigned(Lanes<std::int32_t, N> a, Lanes<std::int32_t, N> b)
+{
+#if defined(__AVX2__)
+	using Result = Lanes<std::uint16_t, N * 2>;
+	ZORT_LANES_CALL(_mm_packus_epi32, _mm256_packus_epi32, a, bitsOf(a), bitsOf(b));
+#else
+	const auto middle = Lanes<std::int32_t, N>::filled(0x8000);
+	return as<std::uint16_t>(packSigned(a - middle, b - middle)) ^ Lanes<std::uint16_t, N * 2>::filled(0x8000);
+#endif
+}
+
+/// Bytes from memory, or numbers of two bytes, each in a lane of four.
+template<unsigned int N>
+ZORT_INLINE Lanes<std::int32_t, N> loadWidened(const std::uint8_t* memory)
+{
+	static_assert(N == 4 || N == kLanesBytes / 4);
+	using Result = Lanes<std::int32_t, N>;
+	std::conditional_t<N == 4, std::int32_t, std::int64_t> bytes;
+	std::memcpy(&bytes, memory, sizeof(bytes));
+#if defined(__AVX2__)
+	const __m128i narrow = N == 4 ? _mm_cvtsi32_si128(static_cast<std::int32_t>(bytes)) : _mm_cvtsi64_si128(bytes);
+	const Result model{};
+	ZORT_LANES_CALL(_mm_cvtepu8_epi32, _mm256_cvtepu8_epi32, model, narrow);
+#else
+	const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(bytes), _mm_setzero_si128());
+	return {reinterpret_cast<typename Result::Vector>(_mm_unpacklo_epi16(words, _mm_setzero_si128()))};
+#endif
+}
+template<unsigned int N>
+ZORT_INLINE Lanes<std::int32_t, N> loadWidened(const std::uint16_t* memory)
+{
+	static_assert(N == 4 || N == kLanesBytes / 4);
+	using Result = Lanes<std::int32_t, N>;
+	__m128i narrow = _mm_setzero_si128();
+	std::memcpy(&narrow, memory, N * sizeof(*memory));
+#if defined(__AVX2__)
+	const Result model{};
+	ZORT_LANES_CALL(_mm_cvtepu16_epi32, _mm256_cvtepu16_epi32, model, narrow);
+#else
+	return {reinterpret_cast<typename Result::Vector>(_mm_unpacklo_epi16(narrow, _mm_setzero_si128()))};
+#endif
+}
 
 /// Lanes of a and b by turns, from the first half of each 16 bytes, or from the second.
 #define ZORT_LANES_INTERLEAVE(T, suffix)                                                                                                   \
