@@ -89,6 +89,7 @@ struct Encoding
 	int level;
 	bool isSigned;
 	EtcSearchSpace* space; ///< Null but for the exhaustive levels.
+	decltype(&compressColoursFast<eSimdPlain>) fast;
 };
 
 /// Encodes the colour words. A level below 0 selects no search; what the bytes held is turned into big-endian words all the same.
@@ -105,30 +106,17 @@ void encodeColours(const TexelBlock& texels, const Encoding& encoding, unsigned 
 
 	unsigned int word1 = 0;
 	unsigned int word2 = 0;
-	unsigned char decoded[16 * 3];
 	if (encoding.space != nullptr)
 	{
+		unsigned char decoded[16 * 3];
 		const bool isPlain = level == ETCQualityExhaustive;
 		const auto etc1 = isPlain ? compressBlockETC1Exhaustive : compressBlockETC1ExhaustivePerceptual;
 		const auto etc2 = isPlain ? compressBlockETC2Exhaustive : compressBlockETC2ExhaustivePerceptual;
 		(format == ePF_ETC1 ? etc1 : etc2)(texels.colours, decoded, 4, 0, 0, word1, word2, *encoding.space);
 	}
-	else if (format == ePF_ETC2_RGB_A1)
-	{
-		compressBlockETC2Fast(texels.colours, texels.alphas, decoded, 4, 4, 0, 0, word1, word2, format);
-	}
-	else if (format == ePF_ETC1)
-	{
-		const auto search = level == ETCQualityFast ? compressBlockDiffFlipFast : compressBlockDiffFlipFastPerceptual;
-		search(texels.colours, decoded, 4, 0, 0, word1, word2);
-	}
-	else if (level == ETCQualityFast)
-	{
-		compressBlockETC2Fast(texels.colours, nullptr, decoded, 4, 4, 0, 0, word1, word2, format);
-	}
 	else
 	{
-		compressBlockETC2FastPerceptual(texels.colours, decoded, 4, 0, 0, word1, word2);
+		encoding.fast(texels, format, level, word1, word2);
 	}
 	storeBigEndian(word1, block);
 	storeBigEndian(word2, block + 4);
@@ -216,7 +204,8 @@ unsigned int ETCCompress(const void* source, void* destination, const unsigned i
 			return 0;
 		}
 	}
-	const Encoding encoding{format, level, isSigned, space.get()};
+	const auto fast = withSimdLevel([](auto simd) { return &compressColoursFast<simd>; });
+	const Encoding encoding{format, level, isSigned, space.get(), fast};
 
 	const auto* image = static_cast<const unsigned char*>(source);
 	auto* block = static_cast<unsigned char*>(destination);

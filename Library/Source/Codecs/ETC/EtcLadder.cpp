@@ -268,4 +268,23 @@ void compressBlockETC2FastPerceptual(const unsigned char* source, unsigned char*
 	word1 = best.words.word1;
 	word2 = best.words.word2;
 }
+
+template<>
+void compressColoursFast<eSimdPlain>(const TexelBlock& texels, unsigned int format, int quality, unsigned int& word1, unsigned int& word2)
+{
+	unsigned char decoded[16 * 3];
+	const bool isPlain = quality == ETCQualityFast || format == ePF_ETC2_RGB_A1;
+	if (format == ePF_ETC1)
+	{
+		(isPlain ? compressBlockDiffFlipFast : compressBlockDiffFlipFastPerceptual)(texels.colours, decoded, 4, 0, 0, word1, word2);
+	}
+	else if (isPlain)
+	{
+		compressBlockETC2Fast(texels.colours, texels.alphas, decoded, 4, 4, 0, 0, word1, word2, format);
+	}
+	else
+	{
+		compressBlockETC2FastPerceptual(texels.colours, decoded, 4, 0, 0, word1, word2);
+	}
+}
 } // namespace zortexture

@@ -5,6 +5,9 @@
 /// bytes that the candidates share. The words come out in stored form.
 #pragma once
 
+#include "Codecs/ETC/EtcBlock.h"
+#include "Simd/SimdLevel.h"
+
 namespace zortexture
 {
 struct EtcSearchSpace;
@@ -14,6 +17,13 @@ inline constexpr int ETCQualityFast = 0;
 inline constexpr int ETCQualityFastPerceptual = 1;
 inline constexpr int ETCQualityExhaustive = 2;
 inline constexpr int ETCQualityExhaustivePerceptual = 3;
+
+/// The words of a block's colours at a fast level, or at any level for ePF_ETC2_RGB_A1. The plain form is the ladder of the searches
+/// below; the others reach its words by shorter ways.
+template<ESimdLevel level>
+void compressColoursFast(const TexelBlock& texels, unsigned int format, int quality, unsigned int& word1, unsigned int& word2);
+template<>
+void compressColoursFast<eSimdPlain>(const TexelBlock& texels, unsigned int format, int quality, unsigned int& word1, unsigned int& word2);
 
 /// The better of both fast individual and differential searches, the one by averages on a tie. Returns its error, in plain squares or
 /// in fractional perceptual ones.

@@ -1,0 +1,672 @@
+/// @file EtcDiffFlipFast.simd.cpp
+/// Individual and differential blocks from the means of the halves, the two ways of quantising them side by side.
+///
+/// - The four halves (left, right, top, bottom) share one load of the texels; their means are quantised in the four lanes of one register.
+/// - For each half, lanes are four tables for either of both quantisations. The tables of small modifiers come first; the others are left
+///   out where the texels lie so near the base colours that their modifiers must overshoot (two halves of three in a photograph).
+/// - Only the halves of the block that wins get their indices.
+/// - The perceptual search adds up squares in single precision. Sums of 32-bit integers with nearly the same weights order all candidates
+///   but the closest ones just so; where they do not, the sums in single precision are made, in their order.
+#include "Codecs/ETC/EtcTexelLanes.h"
+
+namespace zortexture
+{
+namespace
+{
+enum Half
+{
+	Left,
+	Right,
+	Top,
+	Bottom
+};
+
+/// The texels of each half in the order of their index bits.
+constexpr unsigned char kHalfTexels[4][8] = {
+    {0, 1, 2, 3, 4, 5, 6, 7}, {8, 9, 10, 11, 12, 13, 14, 15}, {0, 1, 4, 5, 8, 9, 12, 13}, {2, 3, 6, 7, 10, 11, 14, 15}};
+
+constexpr int kModifiers[8][4] = {{-8, -2, 2, 8},     {-17, -5, 5, 17},   {-29, -9, 9, 29},     {-42, -13, 13, 42},
+                                  {-60, -18, 18, 60}, {-80, -24, 24, 80}, {-106, -33, 33, 106}, {-183, -47, 47, 183}};
+/// The least modifier of the upper four tables.
+constexpr int kLeastUpperModifier = 18;
+
+/// The modifiers of four tables in lanes, twice: for both quantisations.
+struct ModifierLanes
+{
+	alignas(32) std::int32_t redGreen[2][4][8]; ///< By half of the tables, by column.
+	alignas(32) std::int32_t blue[2][4][8];
+};
+constexpr ModifierLanes kModifierLanes = []
+{
+	ModifierLanes lanes{};
+	for (unsigned int table = 0; table < 8; ++table)
+	{
+		for (unsigned int column = 0; column < 4; ++column)
+		{
+			const int modifier = kModifiers[table][column];
+			for (unsigned int lane = table % 4; lane < 8; lane += 4)
+			{
+				lanes.redGreen[table / 4][column][lane] = pairOf(modifier, modifier);
+				lanes.blue[table / 4][column][lane] = pairOf(modifier, 0);
+			}
+		}
+	}
+	return lanes;
+}();
+
+/// One number for each channel and half.
+struct HalfColours
+{
+	Quad channel[3];
+};
+
+/// Folds the columns of a block, four texels each, into its halves.
+template<typename Fold>
+ZORT_INLINE Quad foldHalves(Quad column0, Quad column1, Quad column2, Quad column3, Fold fold)
+{
+	Quad left = fold(column0, column1);
+	Quad right = fold(column2, column3);
+	left = fold(left, shuffle<1, 0, 3, 2>(left)); // the upper quadrant in lane 0, the lower in lane 2
+	right = fold(right, shuffle<1, 0, 3, 2>(right));
+	return fold(shuffle<0, 4, 0, 2>(left, right), shuffle<2, 6, 4, 6>(left, right));
+}
+
+template<typename Fold>
+ZORT_INLINE HalfColours foldPairs(const TexelPairs& texels, Fold fold)
+{
+	const auto foldAll = [&](const std::int32_t(&pairs)[16])
+	{
+		return foldHalves(Quad::load(pairs), Quad::load(pairs + 4), Quad::load(pairs + 8), Quad::load(pairs + 12),
+		                  [&](Quad a, Quad b) { return as<std::int32_t>(fold(as<std::int16_t>(a), as<std::int16_t>(b))); });
+	};
+	const Quad redGreen = foldAll(texels.redGreen);
+	return {{redGreen << 16 >> 16, redGreen >> 16, foldAll(texels.blue)}};
+}
+
+/// Products below 65536 of numbers that are not negative.
+ZORT_INLINE Quad smallProduct(Quad a, Quad b)
+{
+	return as<std::int32_t>(as<std::int16_t>(a) * as<std::int16_t>(b));
+}
+
+ZORT_INLINE Quad expand5Bits(Quad level)
+{
+	return level << 3 | level >> 2;
+}
+
+ZORT_INLINE Quad expand4Bits(Quad level)
+{
+	return level << 4 | level;
+}
+
+/// sum / 8 * 31 / 255, to the nearest.
+ZORT_INLINE Quad rounded5Bits(Quad sum)
+{
+	const Quad sixteenth = ((sum << 6) - (sum << 1) + Quad::filled(2040)) >> 4;
+	return (sixteenth + Quad::filled(1) + (sixteenth >> 8)) >> 8; // over 255
+}
+
+/// sum / 8 / 17, to the nearest.
+ZORT_INLINE Quad rounded4Bits(Quad sum)
+{
+	return smallProduct((sum + Quad::filled(68)) >> 3, Quad::filled(241)) >> 12; // over 17
+}
+
+/// The joint quantisation of EtcQuantise.cpp in the same order of operations, one half a lane.
+template<EtcMeasure measure, unsigned int bits>
+ZORT_INLINE HalfColours quantiseJointly(const HalfColours& sums)
+{
+	using Floats = Lanes<float, 4>;
+	constexpr float kStep = bits == 4 ? 17.0F : 8.225806F;
+	constexpr int kHighest = (1 << bits) - 1;
+	const auto expand = [](Quad level)
+	{
+		return bits == 4 ? expand4Bits(level) : expand5Bits(level);
+	};
+
+	Quad low[3];
+	Quad high[3];
+	Floats errors[3][2];
+	for (unsigned int channel = 0; channel < 3; ++channel)
+	{
+		const Floats mean = convert<float>(sums.channel[channel]) * Floats::filled(0.125F);
+		low[channel] = truncated(mean / Floats::filled(kStep));
+		high[channel] = least(low[channel] + Quad::filled(1), Quad::filled(kHighest));
+		const Floats lowColour = convert<float>(expand(low[channel]));
+		const Floats highColour = convert<float>(expand(high[channel]));
+		errors[channel][0] = lowColour - mean;
+		errors[channel][1] = errors[channel][0] + (highColour - lowColour);
+	}
+
+	const auto tint = [&](unsigned int a, unsigned int b, float weight, Floats(&ratings)[2][2])
+	{
+		for (unsigned int i = 0; i < 4; ++i)
+		{
+			const Floats difference = errors[a][i & 1] - errors[b][i >> 1];
+			const Floats square = difference * difference;
+			ratings[i & 1][i >> 1] = measure == EtcMeasure::Plain ? square : Floats::filled(weight) * square;
+		}
+	};
+	Floats redGreen[2][2];
+	Floats redBlue[2][2];
+	Floats greenBlue[2][2];
+	tint(0, 1, 0.175513F, redGreen);
+	tint(0, 2, 0.034086F, redBlue);
+	tint(1, 2, 0.066918F, greenBlue);
+
+	// One bit a channel, set for the upper level; the order settles ties.
+	constexpr int kUpper[8] = {0, 1, 2, 4, 3, 5, 6, 7};
+	Floats leastRating = redGreen[0][0] + redBlue[0][0] + greenBlue[0][0];
+	Quad best = Quad::filled(0);
+	for (unsigned int i = 1; i < 8; ++i)
+	{
+		const int upper = kUpper[i];
+		const int red = upper & 1;
+		const int green = upper >> 1 & 1;
+		const int blue = upper >> 2;
+		const Floats rating = redGreen[red][green] + redBlue[red][blue] + greenBlue[green][blue];
+		best = select(rating < leastRating, Quad::filled(upper), best);
+		leastRating = least(rating, leastRating);
+	}
+
+	HalfColours levels;
+	for (unsigned int channel = 0; channel < 3; ++channel)
+	{
+		const Quad isUpper = (best & Quad::filled(1 << channel)) != Quad::filled(0);
+		levels.channel[channel] = select(isUpper, high[channel], low[channel]);
+	}
+	return levels;
+}
+
+/// The base colours of the halves by one of the quantisations.
+struct Bases
+{
+	HalfColours levels;  ///< Of 5 bits in splits that are differential, of 4 in others.
+	HalfColours colours; ///< Of 8 bits.
+	Quad isDifferential; ///< A mask, the same for both halves of a split.
+};
+
+/// `to5Bits` and `to4Bits` quantise the sums of eight texels.
+template<typename To5Bits, typename To4Bits>
+ZORT_INLINE Bases quantise(const HalfColours& sums, To5Bits to5Bits, To4Bits to4Bits)
+{
+	Bases bases;
+	bases.levels = to5Bits(sums);
+	Quad beyond = Quad::filled(0);
+	for (unsigned int channel = 0; channel < 3; ++channel)
+	{
+		const Quad levels = bases.levels.channel[channel];
+		const Quad delta = shuffle<1, 1, 3, 3>(levels) - shuffle<0, 0, 2, 2>(levels) + Quad::filled(4);
+		beyond = beyond | (delta & Quad::filled(~7));
+		bases.colours.channel[channel] = expand5Bits(levels);
+	}
+	bases.isDifferential = beyond == Quad::filled(0);
+	if (!isAll(bases.isDifferential))
+	{
+		const HalfColours levels = to4Bits(sums);
+		for (unsigned int channel = 0; channel < 3; ++channel)
+		{
+			bases.levels.channel[channel] = select(bases.isDifferential, bases.levels.channel[channel], levels.channel[channel]);
+			bases.colours.channel[channel] =
+			    select(bases.isDifferential, bases.colours.channel[channel], expand4Bits(levels.channel[channel]));
+		}
+	}
+	return bases;
+}
+
+template<typename Quantise>
+ZORT_INLINE HalfColours eachChannel(const HalfColours& sums, Quantise quantiseChannel)
+{
+	return {{quantiseChannel(sums.channel[0]), quantiseChannel(sums.channel[1]), quantiseChannel(sums.channel[2])}};
+}
+
+/// What no table of the upper four can be below in each half: their modifiers, 18 and more, take every channel of every texel at least as
+/// far from the base colour as the least of them, unless the end of the range comes first.
+template<EtcMeasure measure>
+ZORT_INLINE Quad boundOfUpperTables(const HalfColours& colours, const HalfColours& least8, const HalfColours& greatest8)
+{
+	constexpr int kWeights[3] = {Weights<measure>::kRed, Weights<measure>::kGreen, Weights<measure>::kBlue};
+	Quad bound = Quad::filled(0);
+	for (unsigned int channel = 0; channel < 3; ++channel)
+	{
+		const Quad base = colours.channel[channel];
+		const Quad deviation = greatest(greatest8.channel[channel] - base, base - least8.channel[channel]);
+		const Quad overshoot = greatest(Quad::filled(kLeastUpperModifier) - deviation, Quad::filled(0));
+		const Quad hasRoom = (base >= Quad::filled(kLeastUpperModifier)) & (base <= Quad::filled(255 - kLeastUpperModifier));
+		bound += smallProduct(smallProduct(overshoot, overshoot), Quad::filled(kWeights[channel])) & hasRoom;
+	}
+	return bound << 3;
+}
+
+/// What is known of a block while its candidates are compared. Sums are those of the weighted squares.
+struct Search
+{
+	TexelPairs texels;
+	alignas(16) std::int32_t squares[4];      ///< |t|^2 over the texels of each half.
+	alignas(16) std::int32_t levels[2][3][4]; ///< By quantisation, channel and half.
+	alignas(16) std::int32_t colours[2][3][4];
+	alignas(16) std::int32_t isDifferential[2][4];
+	alignas(32) std::int32_t sums[4][2][2][4]; ///< By half, half of the tables, quantisation, table.
+	std::int32_t leastSums[2][4];              ///< By quantisation and half.
+};
+
+/// In 8 bits, as pairs.
+struct BasePair
+{
+	int redGreen;
+	int blue;
+};
+
+ZORT_INLINE BasePair basePair(const Search& search, unsigned int quantisation, unsigned int half)
+{
+	const auto& colours = search.colours[quantisation];
+	return {pairOf(colours[0][half], colours[1][half]), colours[2][half]};
+}
+
+/// `first` in four lanes of eight, `second` in the others.
+template<typename Register>
+ZORT_INLINE Register besideEachOther(int first, int second, unsigned int part)
+{
+	if constexpr (Register::kCount == 8)
+	{
+		using Narrow = Lanes<typename Register::Element, Register::kCount / 2>;
+		return join(Narrow::filled(first), Narrow::filled(second));
+	}
+	else
+	{
+		return Register::filled(part == 0 ? first : second);
+	}
+}
+
+/// The sums of a half for four tables and both quantisations.
+template<EtcMeasure measure>
+ZORT_INLINE void sumTables(Search& search, unsigned int half, unsigned int upper)
+{
+	using W = Weights<measure>;
+	const BasePair base0 = basePair(search, 0, half);
+	const BasePair base1 = basePair(search, 1, half);
+	for (unsigned int part = 0; part < kParts; ++part)
+	{
+		const I16 baseRedGreen = as<std::int16_t>(besideEachOther<I32>(base0.redGreen, base1.redGreen, part));
+		const I16 baseBlue = as<std::int16_t>(besideEachOther<I32>(base0.blue, base1.blue, part));
+		I16 redGreen[4]; // the colours times their weights
+		I16 blue[4];
+		I32 squares[4];
+		for (unsigned int column = 0; column < 4; ++column)
+		{
+			const auto limited = [](I16 a)
+			{
+				return least(greatest(a, I16::filled(0)), I16::filled(255));
+			};
+			const unsigned int lane = part * I32::kCount;
+			const I16 colourRedGreen = limited(baseRedGreen + I16::load(kModifierLanes.redGreen[upper][column] + lane));
+			const I16 colourBlue = limited(baseBlue + I16::load(kModifierLanes.blue[upper][column] + lane));
+			redGreen[column] = colourRedGreen;
+			blue[column] = colourBlue;
+			if constexpr (measure == EtcMeasure::Perceptual)
+			{
+				redGreen[column] = colourRedGreen * as<std::int16_t>(I32::filled(pairOf(W::kRed, W::kGreen)));
+				blue[column] = colourBlue * I16::filled(W::kBlue);
+			}
+			squares[column] = sumsOfProducts(redGreen[column], colourRedGreen) + sumsOfProducts(blue[column], colourBlue);
+		}
+		I32 sums = I32::filled(0);
+		for (unsigned int i = 0; i < 8; ++i)
+		{
+			const unsigned int texel = kHalfTexels[half][i];
+			const I16 texelRedGreen = as<std::int16_t>(I32::filled(search.texels.redGreenFactor[texel]));
+			const I16 texelBlue = as<std::int16_t>(I32::filled(search.texels.blueFactor[texel]));
+			I32 errors[4];
+			for (unsigned int column = 0; column < 4; ++column)
+			{
+				errors[column] =
+				    squares[column] + sumsOfProducts(texelRedGreen, redGreen[column]) + sumsOfProducts(texelBlue, blue[column]);
+			}
+			sums += least(least(errors[0], errors[1]), least(errors[2], errors[3]));
+		}
+		(sums + I32::filled(search.squares[half])).store(&search.sums[half][upper][0][0] + part * I32::kCount);
+	}
+}
+
+/// All tables of a half, and the least sum of either quantisation. `bounds` are those of the upper tables.
+template<EtcMeasure measure>
+ZORT_INLINE void searchHalf(Search& search, unsigned int half, const std::int32_t (&bounds)[2][4])
+{
+	sumTables<measure>(search, half, 0);
+	int leastSums[2];
+	bool isOver = true;
+	for (unsigned int quantisation = 0; quantisation < 2; ++quantisation)
+	{
+		leastSums[quantisation] = leastLane(Quad::load(search.sums[half][0][quantisation]));
+		// Of equal errors the lower table wins, but an upper one may reach into what the perceptual sums leave open.
+		const int reach = Weights<measure>::reach(leastSums[quantisation]);
+		isOver &= measure == EtcMeasure::Plain ? bounds[quantisation][half] >= reach : bounds[quantisation][half] > reach;
+	}
+	if (isOver)
+	{
+		for (auto& sums : search.sums[half][1])
+		{
+			Quad::filled(0x3FFFFFFF).store(sums);
+		}
+	}
+	else
+	{
+		sumTables<measure>(search, half, 1);
+		for (unsigned int quantisation = 0; quantisation < 2; ++quantisation)
+		{
+			const int leastUpper = leastLane(Quad::load(search.sums[half][1][quantisation]));
+			leastSums[quantisation] = leastUpper < leastSums[quantisation] ? leastUpper : leastSums[quantisation];
+		}
+	}
+	search.leastSums[0][half] = leastSums[0];
+	search.leastSums[1][half] = leastSums[1];
+}
+
+/// A half with its table chosen.
+struct HalfChoice
+{
+	float error; ///< In single precision, summed in the order of the texels; perceptual only.
+	unsigned int table;
+	unsigned int highBits; ///< Of the texels by their number in the half.
+	unsigned int lowBits;
+	I32 redGreen[kParts]; ///< What the chosen colours differ from the texels by, as pairs; perceptual only.
+	I32 blue[kParts];
+};
+
+/// Eight texels of a half, in the order of their index bits.
+template<typename Register>
+ZORT_INLINE void loadHalf(const std::int32_t (&pairs)[16], unsigned int half, Register (&lanes)[kParts])
+{
+	constexpr unsigned int kCount = Register::kCount;
+	for (unsigned int part = 0; part < kParts; ++part)
+	{
+		if (half < Top)
+		{
+			lanes[part] = Register::load(pairs + half * 8 + part * kCount);
+			continue;
+		}
+		const Register first = Register::load(pairs + part * 2 * kCount);
+		const Register second = Register::load(pairs + part * 2 * kCount + kCount);
+		if constexpr (kCount == 8)
+		{
+			lanes[part] =
+			    half == Top ? shuffle<0, 1, 4, 5, 8, 9, 12, 13>(first, second) : shuffle<2, 3, 6, 7, 10, 11, 14, 15>(first, second);
+		}
+		else
+		{
+			lanes[part] = half == Top ? shuffle<0, 1, 4, 5>(first, second) : shuffle<2, 3, 6, 7>(first, second);
+		}
+	}
+}
+
+/// The index bits of texels whose best columns are in the lanes: column 0 has index 3, 1 has 2, 2 has 0, 3 has 1.
+ZORT_INLINE void giveBits(I32 columns, unsigned int part, HalfChoice& choice)
+{
+	const unsigned int first = part * I32::kCount;
+	choice.highBits |= bitsOfMask(columns < I32::filled(2)) << first;
+	choice.lowBits |= bitsOfMask((columns == I32::filled(0)) | (columns == I32::filled(3))) << first;
+}
+
+ZORT_INLINE int limitedToByte(int value)
+{
+	return value < 0 ? 0 : (value > 255 ? 255 : value);
+}
+
+/// Indices for one table, in plain squares.
+ZORT_INLINE void matchPlain(const I32 (&redGreen)[kParts], const I32 (&blue)[kParts], const int (&base)[3], HalfChoice& choice)
+{
+	choice.highBits = 0;
+	choice.lowBits = 0;
+	for (unsigned int part = 0; part < kParts; ++part)
+	{
+		I32 best;
+		for (unsigned int column = 0; column < 4; ++column)
+		{
+			const int modifier = kModifiers[choice.table][column];
+			const int colour = pairOf(limitedToByte(base[0] + modifier), limitedToByte(base[1] + modifier));
+			const I16 differenceRedGreen = as<std::int16_t>(redGreen[part]) - as<std::int16_t>(I32::filled(colour));
+			const I16 differenceBlue = as<std::int16_t>(blue[part]) - as<std::int16_t>(I32::filled(limitedToByte(base[2] + modifier)));
+			const I32 error = sumsOfProducts(differenceRedGreen, differenceRedGreen) + sumsOfProducts(differenceBlue, differenceBlue);
+			// Error and column in one number: the lower column of equal errors is the least.
+			const I32 key = error << 2 | I32::filled(static_cast<int>(column));
+			best = column == 0 ? key : least(key, best);
+		}
+		giveBits(best & I32::filled(3), part, choice);
+	}
+}
+
+/// Indices and error for one table, in perceptual squares as EtcTableSearch.h adds them up.
+ZORT_INLINE void matchPerceptual(const I32 (&redGreen)[kParts], const I32 (&blue)[kParts], const int (&base)[3], HalfChoice& choice)
+{
+	choice.highBits = 0;
+	choice.lowBits = 0;
+	float errors[8];
+	for (unsigned int part = 0; part < kParts; ++part)
+	{
+		F32 leastError;
+		I32 best;
+		for (unsigned int column = 0; column < 4; ++column)
+		{
+			const int modifier = kModifiers[choice.table][column];
+			const int colour = pairOf(limitedToByte(base[0] + modifier), limitedToByte(base[1] + modifier));
+			const I32 differenceRedGreen = as<std::int32_t>(as<std::int16_t>(redGreen[part]) - as<std::int16_t>(I32::filled(colour)));
+			const I32 differenceBlue = blue[part] - I32::filled(limitedToByte(base[2] + modifier));
+			const F32 r = convert<float>(differenceRedGreen << 16 >> 16);
+			const F32 g = convert<float>(differenceRedGreen >> 16);
+			const F32 b = convert<float>(differenceBlue);
+			const F32 error = F32::filled(0.299F) * r * r + F32::filled(0.587F) * g * g + F32::filled(0.114F) * b * b;
+			if (column == 0)
+			{
+				leastError = error;
+				best = I32::filled(0);
+				choice.redGreen[part] = differenceRedGreen;
+				choice.blue[part] = differenceBlue;
+				continue;
+			}
+			const I32 isLess = error < leastError;
+			leastError = select(isLess, error, leastError);
+			best = select(isLess, I32::filled(static_cast<int>(column)), best);
+			choice.redGreen[part] = select(isLess, differenceRedGreen, choice.redGreen[part]);
+			choice.blue[part] = select(isLess, differenceBlue, choice.blue[part]);
+		}
+		leastError.store(errors + part * F32::kCount);
+		giveBits(best, part, choice);
+	}
+	choice.error = 0.0F;
+	for (const float error : errors)
+	{
+		choice.error += error;
+	}
+}
+
+/// The table of a half, the first on a tie, and its indices.
+template<EtcMeasure measure>
+ZORT_INLINE void resolveHalf(const Search& search, unsigned int quantisation, unsigned int half, HalfChoice& choice)
+{
+	I32 redGreen[kParts];
+	I32 blue[kParts];
+	loadHalf(search.texels.redGreen, half, redGreen);
+	loadHalf(search.texels.blue, half, blue);
+	const auto& colours = search.colours[quantisation];
+	const int base[3] = {colours[0][half], colours[1][half], colours[2][half]};
+	const Quad reach = Quad::filled(Weights<measure>::reach(search.leastSums[quantisation][half]));
+	unsigned int tables = bitsOfMask(Quad::load(search.sums[half][0][quantisation]) <= reach) |
+	                      bitsOfMask(Quad::load(search.sums[half][1][quantisation]) <= reach) << 4;
+	choice.table = static_cast<unsigned int>(__builtin_ctz(tables));
+	if constexpr (measure == EtcMeasure::Plain)
+	{
+		matchPlain(redGreen, blue, base, choice);
+	}
+	else
+	{
+		matchPerceptual(redGreen, blue, base, choice);
+		for (tables &= tables - 1; tables != 0; tables &= tables - 1)
+		{
+			HalfChoice rival;
+			rival.table = static_cast<unsigned int>(__builtin_ctz(tables));
+			matchPerceptual(redGreen, blue, base, rival);
+			if (rival.error < choice.error)
+			{
+				choice = rival;
+			}
+		}
+	}
+}
+
+/// 299, 587 and 114 times the squares of the channels, over the texels of a half.
+ZORT_INLINE unsigned int perceptualError(const HalfChoice& choice)
+{
+	I32 sums[3][kParts];
+	for (unsigned int part = 0; part < kParts; ++part)
+	{
+		// Squares are below 65536, so that as 16-bit products they lack only the sign.
+		const I32 redGreen = as<std::int32_t>(as<std::int16_t>(choice.redGreen[part]) * as<std::int16_t>(choice.redGreen[part]));
+		sums[0][part] = redGreen & I32::filled(0xFFFF);
+		sums[1][part] = as<std::int32_t>(as<std::uint32_t>(redGreen) >> 16);
+		sums[2][part] = sumsOfProducts(as<std::int16_t>(choice.blue[part] & I32::filled(0xFFFF)),
+		                               as<std::int16_t>(choice.blue[part] & I32::filled(0xFFFF)));
+	}
+	return static_cast<unsigned int>(299 * sumOfAllLanes(sums[0]) + 587 * sumOfAllLanes(sums[1]) + 114 * sumOfAllLanes(sums[2]));
+}
+
+/// Bits of eight texels in two columns of two, spread to their places in columns of four.
+ZORT_INLINE unsigned int spreadBits(unsigned int bits)
+{
+	return (bits & 3) | (bits & 12) << 2 | (bits & 48) << 4 | (bits & 192) << 6;
+}
+
+template<EtcMeasure measure>
+ZORT_INLINE EtcCandidate resolveBlock(const Search& search, unsigned int quantisation, bool isFlipped)
+{
+	const unsigned int half = isFlipped ? Top : Left;
+	HalfChoice first;
+	HalfChoice second;
+	resolveHalf<measure>(search, quantisation, half, first);
+	resolveHalf<measure>(search, quantisation, half + 1, second);
+
+	EtcCandidate candidate{};
+	const bool isDifferential = search.isDifferential[quantisation][half] != 0;
+	for (unsigned int channel = 0; channel < 3; ++channel)
+	{
+		const unsigned int level1 = static_cast<unsigned int>(search.levels[quantisation][channel][half]);
+		const unsigned int level2 = static_cast<unsigned int>(search.levels[quantisation][channel][half + 1]);
+		const unsigned int bits = isDifferential ? level1 << 3 | ((level2 - level1) & 7) : level1 << 4 | level2;
+		candidate.word1 |= bits << (24 - 8 * channel);
+	}
+	candidate.word1 |= first.table << 5 | second.table << 2 | (isDifferential ? 2U : 0U) | (isFlipped ? 1U : 0U);
+	if (isFlipped)
+	{
+		candidate.word2 = (spreadBits(first.highBits) | spreadBits(second.highBits) << 2) << 16 | spreadBits(first.lowBits) |
+		                  spreadBits(second.lowBits) << 2;
+	}
+	else
+	{
+		candidate.word2 = (first.highBits | second.highBits << 8) << 16 | first.lowBits | second.lowBits << 8;
+	}
+	if constexpr (measure == EtcMeasure::Plain)
+	{
+		candidate.error = static_cast<unsigned int>(search.leastSums[quantisation][half] + search.leastSums[quantisation][half + 1]);
+	}
+	else
+	{
+		candidate.error = perceptualError(first) + perceptualError(second);
+	}
+	return candidate;
+}
+
+/// Whether the flipped split is strictly better.
+template<EtcMeasure measure>
+ZORT_INLINE bool isFlippedBetter(const Search& search, unsigned int quantisation)
+{
+	const auto& sums = search.leastSums[quantisation];
+	const int upright = sums[Left] + sums[Right];
+	const int flipped = sums[Top] + sums[Bottom];
+	if constexpr (measure == EtcMeasure::Perceptual)
+	{
+		using W = Weights<measure>;
+		if (W::reach(upright) >= flipped && W::reach(flipped) >= upright)
+		{
+			float errors[4];
+			for (unsigned int half = 0; half < 4; ++half)
+			{
+				HalfChoice choice;
+				resolveHalf<measure>(search, quantisation, half, choice);
+				errors[half] = choice.error;
+			}
+			return errors[Top] + errors[Bottom] < errors[Left] + errors[Right];
+		}
+	}
+	return flipped < upright;
+}
+} // namespace
+
+template<ESimdLevel level, EtcMeasure measure>
+EtcCandidate searchDiffFlipFast(const unsigned char (&colours)[48])
+{
+	using W = Weights<measure>;
+	Search search;
+	loadPairs(colours, search.texels);
+
+	using Pairs = Lanes<std::int16_t, 8>;
+	const HalfColours sums = foldPairs(search.texels, [](Pairs a, Pairs b) { return a + b; });
+	const HalfColours least8 = foldPairs(search.texels, [](Pairs a, Pairs b) { return least(a, b); });
+	const HalfColours greatest8 = foldPairs(search.texels, [](Pairs a, Pairs b) { return greatest(a, b); });
+	Quad squares[4];
+	for (unsigned int column = 0; column < 4; ++column)
+	{
+		const Pairs redGreen = Pairs::load(search.texels.redGreen + column * 4);
+		const Pairs blue = Pairs::load(search.texels.blue + column * 4);
+		squares[column] = sumsOfProducts(redGreen * as<std::int16_t>(Quad::filled(pairOf(W::kRed, W::kGreen))), redGreen) +
+		                  sumsOfProducts(blue * Pairs::filled(W::kBlue), blue);
+	}
+	foldHalves(squares[0], squares[1], squares[2], squares[3], [](Quad a, Quad b) { return a + b; }).store(search.squares);
+
+	std::int32_t bounds[2][4];
+	for (unsigned int quantisation = 0; quantisation < 2; ++quantisation)
+	{
+		const Bases bases = quantisation == 0
+		                        ? quantise(
+		                              sums, [](const HalfColours& s) { return eachChannel(s, [](Quad a) { return rounded5Bits(a); }); },
+		                              [](const HalfColours& s) { return eachChannel(s, [](Quad a) { return rounded4Bits(a); }); })
+		                        : quantise(
+		                              sums, [](const HalfColours& s) { return quantiseJointly<measure, 5>(s); },
+		                              [](const HalfColours& s) { return quantiseJointly<measure, 4>(s); });
+		for (unsigned int channel = 0; channel < 3; ++channel)
+		{
+			bases.levels.channel[channel].store(search.levels[quantisation][channel]);
+			bases.colours.channel[channel].store(search.colours[quantisation][channel]);
+		}
+		bases.isDifferential.store(search.isDifferential[quantisation]);
+		boundOfUpperTables<measure>(bases.colours, least8, greatest8).store(bounds[quantisation]);
+	}
+	for (unsigned int half = 0; half < 4; ++half)
+	{
+		searchHalf<measure>(search, half, bounds);
+	}
+
+	// By averages, unless the other is strictly better.
+	const bool isFlipped[2] = {isFlippedBetter<measure>(search, 0), isFlippedBetter<measure>(search, 1)};
+	int totals[2];
+	for (unsigned int quantisation = 0; quantisation < 2; ++quantisation)
+	{
+		const unsigned int half = isFlipped[quantisation] ? Top : Left;
+		totals[quantisation] = search.leastSums[quantisation][half] + search.leastSums[quantisation][half + 1];
+	}
+	if (measure == EtcMeasure::Plain || W::reach(totals[0]) < totals[1] || W::reach(totals[1]) < totals[0])
+	{
+		const unsigned int winner = totals[1] < totals[0] ? 1 : 0;
+		return resolveBlock<measure>(search, winner, isFlipped[winner]);
+	}
+	const EtcCandidate average = resolveBlock<measure>(search, 0, isFlipped[0]);
+	EtcCandidate joint = resolveBlock<measure>(search, 1, isFlipped[1]);
+	if (average.word1 == joint.word1 && average.word2 == joint.word2)
+	{
+		return average;
+	}
+	joint.isOpen = average.error == joint.error;
+	return joint.error <= average.error ? joint : average;
+}
+
+template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Plain>(const unsigned char (&)[48]);
+template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Perceptual>(const unsigned char (&)[48]);
+} // namespace zortexture
