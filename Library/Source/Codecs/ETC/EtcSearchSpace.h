@@ -20,17 +20,17 @@ struct alignas(16) TableErrors
 	unsigned int at[4][8];
 };
 
-/// What the 16 texels of a block (row by row) cost for one colour of a T or H block, or for its first channels, at each of the 8
-/// distances: the least over the paint colours that come of it. Scaled down to 15 bits, see EtcThExhaustive.cpp.
-struct alignas(16) PaintErrors
+/// What the 16 texels of a block cost at the 16 levels of one channel of a T or H block. Scaled down to 15 bits, see EtcThPairs.h.
+struct alignas(32) LevelErrors
 {
-	std::int16_t at[16][8];
+	std::int16_t at[16][16];
 };
 
-/// Squared errors of the 16 texels for one level of one channel of a T or H block, lowered by each distance, as it is, and raised.
-struct alignas(16) OffsetErrors
+/// The same for a colour that carries the distance, the least over its paint colours, and for the plain colour of a T block.
+struct PaintTables
 {
-	unsigned int at[3][16][8];
+	LevelErrors shifted[8];
+	LevelErrors plain;
 };
 
 struct EtcSearchSpace
@@ -42,11 +42,10 @@ struct EtcSearchSpace
 	/// The errors of left, right, top and bottom half by 5-bit colour.
 	unsigned int halfErrors[4][kColours5Bits];
 
-	/// By channel and level of T and H colours.
-	OffsetErrors offsetErrors[3][16];
-	/// For both colours of a pair, by red, by red and green, and by all channels; H uses the first of each for both.
-	PaintErrors paintErrorsR[2][16];
-	PaintErrors paintErrorsRG[2][256];
-	PaintErrors paintErrorsRGB[2][4096];
+	/// T and H: by channel and by shift of the level; the tables by red, by green for each red, and by blue for each red and green.
+	LevelErrors offsets[3][17];
+	PaintTables paintR;
+	PaintTables paintRG[16];
+	PaintTables paintRGB[256];
 };
 } // namespace zortexture
