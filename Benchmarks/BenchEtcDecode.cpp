@@ -27,6 +27,22 @@ void decode(benchmark::State& state, EZORTPixelFormat format, double goal)
 	bench::countPixels(state, std::size_t{kSide} * kSide, goal);
 }
 
+/// The small decoder of ETC1 alone.
+void decodeToRgba(benchmark::State& state)
+{
+	CZORTexture picture = bench::photograph();
+	Transcode(picture, PixelType('r', 'g', 'b', 0, 8, 8, 8, 0), eVT_UnsignedByteNorm, eCS_lRGB);
+	std::vector<unsigned char> blocks(std::size_t{kSide} * kSide / 2);
+	std::vector<unsigned char> pixels(std::size_t{kSide} * kSide * 4);
+	ETCCompress(picture.getDataPtr(), blocks.data(), kSide, kSide, 0, ePF_ETC1, false);
+	for (auto _ : state)
+	{
+		benchmark::DoNotOptimize(ZORTDecompressETC(blocks.data(), kSide, kSide, pixels.data(), 0));
+	}
+	bench::countPixels(state, std::size_t{kSide} * kSide, 20);
+}
+BENCHMARK(decodeToRgba)->Name("etc/decode ETC1 to R, G, B, A")->Unit(benchmark::kMillisecond);
+
 #define ZORT_BENCH_DECODE(name, format, goal)                                                                                              \
 	BENCHMARK_CAPTURE(decode, format, format, goal)->Name("etc/decode " name)->Unit(benchmark::kMillisecond)
 

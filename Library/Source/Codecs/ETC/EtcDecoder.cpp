@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "Codecs/BlockTexels.h"
 #include "ETCCodec.h"
 #include "EacBlock.h"
 #include "EtcBlock.h"
+#include "EtcDecodeBlocks.h"
 
 namespace zortexture
 {
@@ -27,6 +29,11 @@ unsigned int bytesOfTexel(unsigned int format)
 	default:
 		return 0;
 	}
+}
+
+unsigned int bytesOfBlock(unsigned int format)
+{
+	return format == ePF_ETC2_RGBA || format == ePF_EAC_RG11 ? 16 : 8;
 }
 
 /// The big-endian word of a block in native form.
@@ -81,6 +88,21 @@ void decodeBlock(const unsigned char* block, unsigned char* decoded, unsigned in
 }
 } // namespace
 
+template<>
+void decodeEtcBlocks<eSimdPlain>(const EtcRun& run, unsigned int format, bool isSigned)
+{
+	const std::size_t texelRowBytes = std::size_t{4} * bytesOfTexel(format);
+	for (std::size_t i = 0; i < run.count; ++i)
+	{
+		unsigned char decoded[16 * 4];
+		decodeBlock(run.blocks + i * bytesOfBlock(format), decoded, format, isSigned);
+		for (std::size_t row = 0; row < 4; ++row)
+		{
+			std::memcpy(run.texels + row * run.rowBytes + i * texelRowBytes, decoded + row * texelRowBytes, texelRowBytes);
+		}
+	}
+}
+
 unsigned int ETCDecompress(const void* source, void* destination, const unsigned int& width, const unsigned int& height,
                            unsigned int format, bool isSigned)
 {
@@ -95,28 +117,15 @@ unsigned int ETCDecompress(const void* source, void* destination, const unsigned
 		return size;
 	}
 
-	const unsigned int blockBytes = (format == ePF_ETC2_RGBA || format == ePF_EAC_RG11) ? 16 : 8;
-	const unsigned char* block = static_cast<const unsigned char*>(source);
-	auto* pixels = static_cast<unsigned char*>(destination);
-	unsigned char decoded[16 * 4];
-	for (unsigned int rowsLeft = height, y = 0; rowsLeft > 0; y += 4)
-	{
-		const unsigned int rows = rowsLeft < 4 ? rowsLeft : 4;
-		for (unsigned int columnsLeft = width, x = 0; columnsLeft > 0; x += 4)
-		{
-			const unsigned int columns = columnsLeft < 4 ? columnsLeft : 4;
-			decodeBlock(block, decoded, format, isSigned);
-			for (unsigned int row = 0; row < rows; ++row)
-			{
-				const std::size_t position = texelIndex(width, x, y + row);
-				std::memcpy(pixels + position * texelBytes, decoded + static_cast<std::size_t>(row) * 4 * texelBytes,
-				            static_cast<std::size_t>(columns) * texelBytes);
-			}
-			block += blockBytes;
-			columnsLeft -= columns;
-		}
-		rowsLeft -= rows;
-	}
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    scatterBlocks(static_cast<const unsigned char*>(source), bytesOfBlock(format), static_cast<unsigned char*>(destination), width,
+		                  height, texelBytes,
+		                  [&](const unsigned char* blocks, std::size_t count, unsigned char* texels, std::size_t rowBytes) {
+			                  decodeEtcBlocks<level>({blocks, count, texels, rowBytes}, format, isSigned);
+		                  });
+	    });
 	return size;
 }
 } // namespace zortexture

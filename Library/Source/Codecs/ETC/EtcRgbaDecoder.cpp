@@ -1,13 +1,14 @@
 // A small decoder of ETC1 alone that gives 32-bit texels, for callers outside the library. It works on the bytes of a block as they
 // lie, read as little-endian words.
 
-#include <cstdint>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 #include <vector>
 
 #include "ETCCodec.h"
 #include "EtcBlock.h"
+#include "EtcDecodeBlocks.h"
 
 namespace zortexture
 {
@@ -54,75 +55,90 @@ void baseColours(unsigned int word, unsigned int (&bases)[2][3])
 	}
 }
 
-/// Decodes whole blocks to 0xAARRGGBB words in rows of `width`; see ZORTDecompressETC for what crosses the right edge.
-int ETCTextureDecompress(const unsigned char* source, int width, int height, unsigned char* destination)
+void decodeBlock(const unsigned char* block, unsigned char* texels, std::size_t rowBytes)
 {
-	const int size = static_cast<int>(static_cast<unsigned int>(width) * static_cast<unsigned int>(height)) / 2;
-	if (height < 1)
+	const unsigned int word = littleEndianWord(block);
+	const unsigned int indices = littleEndianWord(block + 4);
+	const bool flip = (word & ETC_FLIP) != 0;
+	const unsigned int codewords[2] = {(word >> 29) & 7, (word >> 26) & 7};
+	unsigned int bases[2][3];
+	baseColours(word, bases);
+	for (unsigned int texel = 0; texel < 16; ++texel)
 	{
-		return size;
-	}
-	const auto columns = static_cast<unsigned int>(width < 0 ? 0 : width);
-	const auto rows = static_cast<unsigned int>(height);
-	for (unsigned int y = 0; y < rows; y += 4)
-	{
-		for (unsigned int x = 0; x < columns; x += 4, source += 8)
+		const unsigned int column = texel & 3;
+		const unsigned int row = texel >> 2;
+		const unsigned int half = (flip ? row : column) >> 1;
+		// Texels are numbered down the columns; byte 0 and 2 hold numbers 8 to 15, byte 1 and 3 numbers 0 to 7.
+		const unsigned int bit = (column * 4 + row) ^ 8;
+		const unsigned int index = getbit(indices, bit, 1) | getbit(indices, bit + 16, 0);
+		const int modifier = mod[codewords[half]][index];
+		unsigned char* pixel = texels + row * rowBytes + column * 4;
+		for (unsigned int channel = 0; channel < 3; ++channel)
 		{
-			const unsigned int word = littleEndianWord(source);
-			const unsigned int indices = littleEndianWord(source + 4);
-			const bool flip = (word & ETC_FLIP) != 0;
-			const unsigned int codewords[2] = {(word >> 29) & 7, (word >> 26) & 7};
-			unsigned int bases[2][3];
-			baseColours(word, bases);
-			for (unsigned int texel = 0; texel < 16; ++texel)
-			{
-				const unsigned int column = texel & 3;
-				const unsigned int row = texel >> 2;
-				const unsigned int half = (flip ? row : column) >> 1;
-				// Texels are numbered down the columns; byte 0 and 2 hold numbers 8 to 15, byte 1 and 3 numbers 0 to 7.
-				const unsigned int bit = (column * 4 + row) ^ 8;
-				const unsigned int index = getbit(indices, bit, 1) | getbit(indices, bit + 16, 0);
-				const int modifier = mod[codewords[half]][index];
-				std::uint32_t pixel = 0xFF;
-				for (const unsigned int base : bases[half])
-				{
-					pixel = (pixel << 8) | clamp(static_cast<int>(base) + modifier);
-				}
-				std::memcpy(destination + texelIndex(columns, x + column, y + row) * 4, &pixel, 4);
-			}
+			pixel[channel] = clamp(static_cast<int>(bases[half][channel]) + modifier);
 		}
+		pixel[3] = 255;
 	}
-	return size;
+}
+
+/// Decodes whole blocks into rows of `width` texels; see ZORTDecompressETC for what crosses the right edge. Sides beyond the signed range
+/// count as empty.
+/// @return the texels written, which follow each other from the first one on.
+std::size_t ETCTextureDecompress(const unsigned char* source, unsigned int width, unsigned int height, unsigned char* destination)
+{
+	if (static_cast<int>(width) < 1 || static_cast<int>(height) < 1)
+	{
+		return 0;
+	}
+	const std::size_t columns = (static_cast<std::size_t>(width) + 3) / 4;
+	const std::size_t rows = (static_cast<std::size_t>(height) + 3) / 4;
+	const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    for (std::size_t row = 0; row < rows; ++row)
+		    {
+			    decodeEtc1Blocks<level>({source + row * columns * 8, columns, destination + row * 4 * rowBytes, rowBytes});
+		    }
+	    });
+	return (rows * 4 - 1) * width + columns * 4;
 }
 } // namespace
+
+template<>
+void decodeEtc1Blocks<eSimdPlain>(const EtcRun& run)
+{
+	for (std::size_t i = 0; i < run.count; ++i)
+	{
+		decodeBlock(run.blocks + i * 8, run.texels + i * 16, run.rowBytes);
+	}
+}
 
 int ZORTDecompressETC(const void* source, const unsigned int& width, const unsigned int& height, void* destination, const int& /*mode*/)
 {
 	const auto* blocks = static_cast<const unsigned char*>(source);
 	auto* pixels = static_cast<unsigned char*>(destination);
-	int consumed = 0;
+	const unsigned int paddedWidth = width < 4 ? 4 : width;
+	const unsigned int paddedHeight = height < 4 ? 4 : height;
+	const int consumed = static_cast<int>(paddedWidth * paddedHeight) / 2;
 	if (width < 4 || height < 4)
 	{
-		const unsigned int scratchWidth = width < 4 ? 4 : width;
-		const unsigned int scratchHeight = height < 4 ? 4 : height;
 		// Room for whole blocks on both sides, whatever the row length.
-		const std::size_t room =
-		    (static_cast<std::size_t>(scratchWidth) + 3) / 4 * ((static_cast<std::size_t>(scratchHeight) + 3) / 4) * 64;
+		const std::size_t room = (static_cast<std::size_t>(paddedWidth) + 3) / 4 * ((static_cast<std::size_t>(paddedHeight) + 3) / 4) * 64;
 		std::vector<unsigned char> scratch(room);
-		consumed = ETCTextureDecompress(blocks, static_cast<int>(scratchWidth), static_cast<int>(scratchHeight), scratch.data());
+		ETCTextureDecompress(blocks, paddedWidth, paddedHeight, scratch.data());
 		const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
 		for (unsigned int y = 0; y < height && rowBytes != 0; ++y)
 		{
-			std::memcpy(pixels + y * rowBytes, scratch.data() + texelIndex(scratchWidth, 0, y) * 4, rowBytes);
+			std::memcpy(pixels + y * rowBytes, scratch.data() + texelIndex(paddedWidth, 0, y) * 4, rowBytes);
 		}
-	}
-	else
-	{
-		consumed = ETCTextureDecompress(blocks, static_cast<int>(width), static_cast<int>(height), pixels);
+		return consumed;
 	}
 
+	// Outside the image the texels of its last blocks are B, G, R, A; where nothing was decoded, all that the caller holds turns round.
 	const std::size_t texels = static_cast<std::size_t>(width) * height;
-	for (std::size_t texel = 0; texel < texels; ++texel)
+	const std::size_t written = ETCTextureDecompress(blocks, width, height, pixels);
+	for (std::size_t texel = written == 0 ? 0 : texels; texel < (written == 0 ? texels : written); ++texel)
 	{
 		std::swap(pixels[texel * 4], pixels[texel * 4 + 2]);
 	}
