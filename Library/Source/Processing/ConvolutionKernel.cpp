@@ -1,6 +1,6 @@
-#include <algorithm>
 #include <cstddef>
 
+#include "ConvolvedRows.h"
 #include "ElementDispatch.h"
 #include "Resampling.h"
 
@@ -8,11 +8,60 @@ namespace zortexture
 {
 namespace
 {
-/// The pixel that tap `tap` of `kernelSize` reads. The coordinate is unsigned, so that one before the first pixel wraps and
-/// lands on the last pixel, as one past the last pixel does.
-std::size_t tapCoordinate(unsigned int centre, unsigned int tap, unsigned int kernelSize, unsigned int size)
+template<typename T>
+Pixel<T> toPixel(const Pixel<float>& value)
 {
-	return std::min(size - 1, centre + tap - kernelSize / 2);
+	return {toElement<T>(value.r), toElement<T>(value.g), toElement<T>(value.b), toElement<T>(value.a)};
+}
+
+template<typename T>
+void convolvePixels(const Pixel<T>* source, Pixel<T>* destination, unsigned int width, unsigned int height, unsigned int depth,
+                    const Kernel& kernel)
+{
+	for (unsigned int z = 0; z < depth; ++z)
+	{
+		for (unsigned int y = 0; y < height; ++y)
+		{
+			for (unsigned int x = 0; x < width; ++x)
+			{
+				Pixel<float> sum{};
+				const float* tap = kernel.taps;
+				for (unsigned int kz = 0; kz < kernel.depth; ++kz)
+				{
+					const std::size_t slice = tapCoordinate(z, kz, kernel.depth, depth) * height;
+					for (unsigned int ky = 0; ky < kernel.height; ++ky)
+					{
+						const Pixel<T>* row = source + (slice + tapCoordinate(y, ky, kernel.height, height)) * width;
+						for (unsigned int kx = 0; kx < kernel.width; ++kx, ++tap)
+						{
+							const Pixel<T>& pixel = row[tapCoordinate(x, kx, kernel.width, width)];
+							sum.r += *tap * static_cast<float>(pixel.r);
+							sum.g += *tap * static_cast<float>(pixel.g);
+							sum.b += *tap * static_cast<float>(pixel.b);
+							sum.a += *tap * static_cast<float>(pixel.a);
+						}
+					}
+				}
+				*destination++ = toPixel<T>({sum.r * kernel.scale, sum.g * kernel.scale, sum.b * kernel.scale, sum.a * kernel.scale});
+			}
+		}
+	}
+}
+
+template<ESimdLevel level, typename T>
+void convolveRows(const Pixel<T>* source, Pixel<T>* destination, unsigned int width, unsigned int height, unsigned int depth,
+                  const Kernel& kernel)
+{
+	ConvolvedRows<level, T> rows(source, width, height, depth, kernel);
+	std::vector<Pixel<float>> numbers(width);
+	for (unsigned int z = 0; z < depth; ++z)
+	{
+		for (unsigned int y = 0; y < height; ++y)
+		{
+			rows.make(y, z, reinterpret_cast<float*>(numbers.data()));
+			destination = std::transform(numbers.begin(), numbers.end(), destination, toPixel<T>);
+		}
+	}
 }
 } // namespace
 
@@ -25,37 +74,23 @@ bool ConvolutionKernel(Pixel<T>* source, Pixel<T>* destination, unsigned int wid
 	{
 		return false;
 	}
-	const float scale = 1.0f / weight;
-	Pixel<T>* output = destination;
-	for (unsigned int z = 0; z < depth; ++z)
-	{
-		for (unsigned int y = 0; y < height; ++y)
-		{
-			for (unsigned int x = 0; x < width; ++x)
-			{
-				Pixel<float> sum{};
-				const float* tap = kernel;
-				for (unsigned int kz = 0; kz < kernelDepth; ++kz)
-				{
-					const std::size_t slice = tapCoordinate(z, kz, kernelDepth, depth) * height;
-					for (unsigned int ky = 0; ky < kernelHeight; ++ky)
-					{
-						const Pixel<T>* row = source + (slice + tapCoordinate(y, ky, kernelHeight, height)) * width;
-						for (unsigned int kx = 0; kx < kernelWidth; ++kx, ++tap)
-						{
-							const Pixel<T>& pixel = row[tapCoordinate(x, kx, kernelWidth, width)];
-							sum.r += *tap * static_cast<float>(pixel.r);
-							sum.g += *tap * static_cast<float>(pixel.g);
-							sum.b += *tap * static_cast<float>(pixel.b);
-							sum.a += *tap * static_cast<float>(pixel.a);
-						}
-					}
-				}
-				*output++ = {toElement<T>(sum.r * scale), toElement<T>(sum.g * scale), toElement<T>(sum.b * scale),
-				             toElement<T>(sum.a * scale)};
-			}
-		}
-	}
+	const Kernel taps = {kernel, 1.0f / weight, kernelWidth, kernelHeight, kernelDepth};
+	const std::size_t numPixels = std::size_t{width} * height * depth;
+	// By rows what is of the sizes that filters have: enough pixels to gain from it, and few enough rows to hold.
+	const bool isByRows = numPixels > 1 && width <= kWidestCachedRow && kernelWidth <= 64 && kernelHeight <= 64 && kernelDepth <= 64 &&
+	                      kernelHeight * kernelDepth <= 64 && !isOverlapping(source, numPixels, destination, numPixels);
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    if constexpr (level != eSimdPlain)
+		    {
+			    if (isByRows)
+			    {
+				    return convolveRows<level>(source, destination, width, height, depth, taps);
+			    }
+		    }
+		    convolvePixels(source, destination, width, height, depth, taps);
+	    });
 	return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <type_traits>
 
+#include "ElementCeiling.h"
 #include "Numbers.h"
 #include "Pixel.h"
 #include "ZORTexture.h"
@@ -28,16 +29,6 @@ inline auto withElementType(EZORTVariableType channelType, Function&& function)
 		return function(std::type_identity<float>{});
 	}
 }
-
-/// The largest element value, as the filters clamp to it: 2^32 for unsigned int, since that is the float next to 2^32 - 1.
-template<typename T>
-inline constexpr float kElementCeiling = 3.4028235e38f;
-template<>
-inline constexpr float kElementCeiling<unsigned char> = 255.0f;
-template<>
-inline constexpr float kElementCeiling<unsigned short> = 65535.0f;
-template<>
-inline constexpr float kElementCeiling<unsigned int> = 4294967296.0f;
 
 /// A float as an element: integer types truncate and keep the low bits, float keeps the value.
 template<typename T>

@@ -7,21 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "AxisTaps.h"
 #include "ElementDispatch.h"
 
 namespace zortexture
 {
-/// What a position touches on one axis: `Count` neighbouring pixels, and the fraction between the two middle ones. Pixels
-/// outside the image are replaced by the nearest one inside; the fraction is that of the position as given.
-template<unsigned int Count>
-struct AxisTaps
-{
-	std::size_t index[Count];
-	float fraction;
-};
-using LinearTaps = AxisTaps<2>;
-using CubicTaps = AxisTaps<4>;
-
 /// The pixel below a position, limited to an axis of `size` pixels (at least 1); 0 for NaN.
 inline std::size_t clampToAxis(float position, unsigned int size)
 {

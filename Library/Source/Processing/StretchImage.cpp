@@ -4,6 +4,7 @@
 #include "ElementDispatch.h"
 #include "Resampling.h"
 #include "Samplers.h"
+#include "StretchRows.h"
 
 namespace zortexture
 {
@@ -15,6 +16,11 @@ struct Axis
 	Axis(unsigned int from, unsigned int to)
 	    : sourceSize(from), size(to), ratio(static_cast<double>(from) / to), inverseRatio(from > to ? 1.0 / ratio : 0.0)
 	{
+	}
+
+	bool isGrowing() const
+	{
+		return size > sourceSize;
 	}
 
 	unsigned int sourceSize;
@@ -37,31 +43,62 @@ std::size_t nearestPixel(const Axis& axis, unsigned int index)
 	return static_cast<std::size_t>(axis.ratio * index);
 }
 
+/// Rows of the result that take the same row of the source are copies of each other, unless the images share memory.
 template<typename T>
-void stretchNearest(const Pixel<T>* source, Pixel<T>* destination, const Axis& axisX, const Axis& axisY, const Axis& axisZ)
+void stretchNearest(const Pixel<T>* source, Pixel<T>* destination, const Axis& axisX, const Axis& axisY, const Axis& axisZ,
+                    bool isOverlapping)
 {
+	std::vector<unsigned int> columns(axisX.size);
+	for (unsigned int x = 0; x < axisX.size; ++x)
+	{
+		columns[x] = static_cast<unsigned int>(nearestPixel(axisX, x));
+	}
+	const Pixel<T>* previous = nullptr;
 	for (unsigned int z = 0; z < axisZ.size; ++z)
 	{
 		const std::size_t slice = nearestPixel(axisZ, z) * axisY.sourceSize;
 		for (unsigned int y = 0; y < axisY.size; ++y)
 		{
 			const Pixel<T>* row = source + (slice + nearestPixel(axisY, y)) * axisX.sourceSize;
-			for (unsigned int x = 0; x < axisX.size; ++x)
+			if (row == previous && !isOverlapping)
 			{
-				*destination++ = row[nearestPixel(axisX, x)];
+				destination = std::copy_n(destination - axisX.size, axisX.size, destination);
+				continue;
+			}
+			previous = row;
+			for (const unsigned int column : columns)
+			{
+				*destination++ = row[column];
 			}
 		}
 	}
 }
 
-/// Samples with `TapCount` taps an axis: 2 linear, 4 cubic.
+template<unsigned int TapCount>
+AxisTaps<TapCount> tapsOfPixel(const Axis& axis, unsigned int index, bool isUpscaling)
+{
+	return tapsAt<TapCount>(sourcePosition(axis, index, isUpscaling), axis.sourceSize);
+}
+
+template<unsigned int TapCount>
+std::vector<AxisTaps<TapCount>> tapsOfAxis(const Axis& axis, bool isUpscaling)
+{
+	std::vector<AxisTaps<TapCount>> taps(axis.size);
+	for (unsigned int i = 0; i < axis.size; ++i)
+	{
+		taps[i] = tapsOfPixel<TapCount>(axis, i, isUpscaling);
+	}
+	return taps;
+}
+
+/// Samples pixel by pixel, with `TapCount` taps an axis: 2 linear, 4 cubic.
 template<unsigned int TapCount, typename T>
 void stretchFiltered(const Pixel<T>* source, Pixel<T>* destination, const Axis& axisX, const Axis& axisY, const Axis& axisZ,
                      bool isUpscaling)
 {
 	const auto taps = [isUpscaling](const Axis& axis, unsigned int index)
 	{
-		return tapsAt<TapCount>(sourcePosition(axis, index, isUpscaling), axis.sourceSize);
+		return tapsOfPixel<TapCount>(axis, index, isUpscaling);
 	};
 	for (unsigned int z = 0; z < axisZ.size; ++z)
 	{
@@ -77,10 +114,6 @@ void stretchFiltered(const Pixel<T>* source, Pixel<T>* destination, const Axis& 
 	}
 }
 
-// Binomial smoothing ahead of a cubic reduction; the outer products of 1 2 1.
-constexpr float kSmoothing2D[9] = {1, 2, 1, 2, 4, 2, 1, 2, 1};
-constexpr float kSmoothing3D[27] = {1, 2, 1, 2, 4, 2, 1, 2, 1, 2, 4, 2, 4, 8, 4, 2, 4, 2, 1, 2, 1, 2, 4, 2, 1, 2, 1};
-
 /// The source smoothed, for a cubic reduction.
 template<typename T>
 std::vector<Pixel<T>> smooth(Pixel<T>* source, unsigned int width, unsigned int height, unsigned int depth)
@@ -95,6 +128,53 @@ std::vector<Pixel<T>> smooth(Pixel<T>* source, unsigned int width, unsigned int 
 		ConvolutionKernel(source, smoothed.data(), width, height, depth, kSmoothing3D, 64.0f, 3, 3, 3);
 	}
 	return smoothed;
+}
+
+/// Linear with 2 taps an axis, cubic with 4; reductions of the latter are smoothed first.
+template<unsigned int TapCount, typename T>
+void stretch(Pixel<T>* source, Pixel<T>* destination, const Axis& axisX, const Axis& axisY, const Axis& axisZ, bool isOverlapping)
+{
+	const bool isUpscaling = axisX.isGrowing() || axisY.isGrowing() || axisZ.isGrowing();
+	const bool isSmoothed = TapCount == 4 && !isUpscaling;
+	const auto stretchRows = [&](auto level)
+	{
+		StretchStep<TapCount> step{axisX.sourceSize, axisY.sourceSize, axisZ.sourceSize, {}, {}, {}};
+		step.x = tapsOfAxis<TapCount>(axisX, isUpscaling);
+		step.y = tapsOfAxis<TapCount>(axisY, isUpscaling);
+		step.z = tapsOfAxis<TapCount>(axisZ, isUpscaling);
+		if constexpr (TapCount == 2)
+		{
+			stretchLinearRows<level>(source, destination, step);
+		}
+		else
+		{
+			stretchCubicRows<level>(source, destination, step, isSmoothed);
+		}
+	};
+	const auto stretchPixels = [&]
+	{
+		if (isSmoothed)
+		{
+			const std::vector<Pixel<T>> smoothed = smooth(source, axisX.sourceSize, axisY.sourceSize, axisZ.sourceSize);
+			stretchFiltered<TapCount>(smoothed.data(), destination, axisX, axisY, axisZ, isUpscaling);
+		}
+		else
+		{
+			stretchFiltered<TapCount>(source, destination, axisX, axisY, axisZ, isUpscaling);
+		}
+	};
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    if constexpr (level != eSimdPlain)
+		    {
+			    if (!isOverlapping && axisX.sourceSize <= kWidestCachedRow && axisX.size <= kWidestCachedRow)
+			    {
+				    return stretchRows(level);
+			    }
+		    }
+		    stretchPixels();
+	    });
 }
 } // namespace
 
@@ -156,24 +236,18 @@ bool StretchImage(Pixel<T>* source, Pixel<T>* destination, unsigned int width, u
 	const Axis axisX(width, newWidth);
 	const Axis axisY(height, newHeight);
 	const Axis axisZ(depth, newDepth);
-	const bool isUpscaling = newWidth > width || newHeight > height || newDepth > depth;
+	const bool overlaps =
+	    isOverlapping(source, std::size_t{width} * height * depth, destination, std::size_t{newWidth} * newHeight * newDepth);
 	switch (mode)
 	{
 	case eResizeNearest:
-		stretchNearest(source, destination, axisX, axisY, axisZ);
+		stretchNearest(source, destination, axisX, axisY, axisZ, overlaps);
 		break;
 	case eResizeLinear:
-		stretchFiltered<2>(source, destination, axisX, axisY, axisZ, isUpscaling);
+		stretch<2>(source, destination, axisX, axisY, axisZ, overlaps);
 		break;
 	case eResizeCubic:
-		if (isUpscaling)
-		{
-			stretchFiltered<4>(source, destination, axisX, axisY, axisZ, isUpscaling);
-		}
-		else
-		{
-			stretchFiltered<4>(smooth(source, width, height, depth).data(), destination, axisX, axisY, axisZ, isUpscaling);
-		}
+		stretch<4>(source, destination, axisX, axisY, axisZ, overlaps);
 		break;
 	default:
 		break;

@@ -1,0 +1,477 @@
+#include "RowFilters.h"
+
+#include "ElementCeiling.h"
+#include "Simd/Lanes.h"
+
+namespace zortexture
+{
+namespace
+{
+constexpr unsigned int kChannels = 4;
+constexpr unsigned int kPixelsAtOnce = F32::kCount / kChannels; ///< in one register of floats: 1 or 2
+
+template<unsigned int N>
+using Floats = Lanes<float, N>;
+using Integers = I32;
+
+/// Elements as floats. Unsigned int is rounded once, as the language does.
+template<unsigned int N, typename T>
+ZORT_INLINE Floats<N> loadNumbers(const T* elements)
+{
+	if constexpr (sizeof(T) < 4)
+	{
+		return convert<float>(loadWidened<N>(elements));
+	}
+	else
+	{
+		return convert<float>(Lanes<T, N>::load(elements));
+	}
+}
+
+/// The pixels of a row at one tap of N / 4 neighbouring pixels of the result.
+template<unsigned int N, unsigned int Count>
+ZORT_INLINE Floats<N> loadTaps(const float* row, const AxisTaps<Count>* taps, unsigned int tap)
+{
+	const auto first = Floats<kChannels>::load(row + taps[0].index[tap] * kChannels);
+	if constexpr (N == kChannels)
+	{
+		return first;
+	}
+	else
+	{
+		return join(first, Floats<kChannels>::load(row + taps[1].index[tap] * kChannels));
+	}
+}
+
+/// As the spline of one channel, operation by operation.
+template<unsigned int N>
+ZORT_INLINE Floats<N> spline(Floats<N> p0, Floats<N> p1, Floats<N> p2, Floats<N> p3, Floats<N> t)
+{
+	const auto two = Floats<N>::filled(2.0f);
+	const auto three = Floats<N>::filled(3.0f);
+	const Floats<N> t2 = t * t;
+	const Floats<N> t3 = t2 * t;
+	const Floats<N> square = two * p0 - Floats<N>::filled(5.0f) * p1 + Floats<N>::filled(4.0f) * p2 - p3;
+	const Floats<N> cube = three * p1 - p0 - three * p2 + p3;
+	return Floats<N>::filled(0.5f) * (two * p1 + (p2 - p0) * t + square * t2 + cube * t3);
+}
+
+template<unsigned int N>
+ZORT_INLINE void splineAlong(const float* row, const RowTaps<4>& x, std::size_t pixel, float* numbers)
+{
+	const AxisTaps<4>* taps = x.taps + pixel;
+	spline(loadTaps<N>(row, taps, 0), loadTaps<N>(row, taps, 1), loadTaps<N>(row, taps, 2), loadTaps<N>(row, taps, 3),
+	       Floats<N>::load(x.fractions + pixel * kChannels))
+	    .store(numbers + pixel * kChannels);
+}
+
+template<unsigned int N>
+ZORT_INLINE void splineAcross(const float* const* rows, float fraction, std::size_t offset, float* numbers)
+{
+	spline(Floats<N>::load(rows[0] + offset), Floats<N>::load(rows[1] + offset), Floats<N>::load(rows[2] + offset),
+	       Floats<N>::load(rows[3] + offset), Floats<N>::filled(fraction))
+	    .store(numbers + offset);
+}
+
+/// A weight on each row is that of the axis x times those of y and z, in this order.
+template<unsigned int N, unsigned int NumSlices>
+ZORT_INLINE void sampleLinear(const float* const* rows, const RowTaps<2>& x, const float (&weightY)[2], const float (&weightZ)[2],
+                              std::size_t pixel, float* numbers)
+{
+	const AxisTaps<2>* taps = x.taps + pixel;
+	const auto fraction = Floats<N>::load(x.fractions + pixel * kChannels);
+	const Floats<N> weightX[2] = {Floats<N>::filled(1.0f) - fraction, fraction};
+	auto sum = Floats<N>::filled(0.0f);
+	for (unsigned int row = 0; row < NumSlices * 2; ++row)
+	{
+		for (unsigned int i = 0; i < 2; ++i)
+		{
+			Floats<N> weight = weightX[i] * Floats<N>::filled(weightY[row % 2]);
+			if constexpr (NumSlices == 2)
+			{
+				weight *= Floats<N>::filled(weightZ[row / 2]);
+			}
+			sum += loadTaps<N>(rows[row], taps, i) * weight;
+		}
+	}
+	sum.store(numbers + pixel * kChannels);
+}
+
+template<unsigned int NumSlices>
+ZORT_INLINE void sampleLinearRow(const float* const* rows, const RowTaps<2>& x, float fractionY, float fractionZ, float* numbers)
+{
+	const float weightY[2] = {1.0f - fractionY, fractionY};
+	const float weightZ[2] = {1.0f - fractionZ, fractionZ};
+	std::size_t pixel = 0;
+	for (; pixel + kPixelsAtOnce <= x.width; pixel += kPixelsAtOnce)
+	{
+		sampleLinear<F32::kCount, NumSlices>(rows, x, weightY, weightZ, pixel, numbers);
+	}
+	for (; pixel < x.width; ++pixel)
+	{
+		sampleLinear<kChannels, NumSlices>(rows, x, weightY, weightZ, pixel, numbers);
+	}
+}
+
+template<unsigned int N>
+ZORT_INLINE void convolve(const float* const* rows, std::size_t numRows, const float* kernel, unsigned int kernelWidth, float scale,
+                          std::size_t offset, float* numbers)
+{
+	auto sum = Floats<N>::filled(0.0f);
+	for (std::size_t row = 0; row < numRows; ++row)
+	{
+		for (unsigned int x = 0; x < kernelWidth; ++x, ++kernel)
+		{
+			sum += Floats<N>::filled(*kernel) * Floats<N>::load(rows[row] + offset + x * kChannels);
+		}
+	}
+	(sum * Floats<N>::filled(scale)).store(numbers + offset);
+}
+
+/// As many pixels as a register of elements holds, limited and truncated. Of unsigned int, 2^32 becomes 0.
+template<typename T>
+constexpr unsigned int kPixelsOfRegister = kLanesBytes / sizeof(Pixel<T>);
+
+template<typename T>
+ZORT_INLINE F32 loadLimited(const float* numbers)
+{
+	// A number that cannot be compared is no more than 0.
+	return least(greatest(F32::load(numbers), F32::filled(0.0f)), F32::filled(kElementCeiling<T>));
+}
+
+template<typename T>
+ZORT_INLINE I32 loadTruncated(const float* numbers)
+{
+	return truncated(loadLimited<T>(numbers));
+}
+
+ZORT_INLINE void clampPixels(const float* numbers, Pixel<unsigned char>* pixels)
+{
+	constexpr unsigned int kStep = F32::kCount;
+	const auto low = packSigned(loadTruncated<unsigned char>(numbers), loadTruncated<unsigned char>(numbers + kStep));
+	const auto high = packSigned(loadTruncated<unsigned char>(numbers + 2 * kStep), loadTruncated<unsigned char>(numbers + 3 * kStep));
+	const auto packed = as<std::int32_t>(packUnsigned(low, high));
+	if constexpr (kLanesLevel == eSimdAvx2)
+	{
+		shuffle<0, 4, 1, 5, 2, 6, 3, 7>(packed).store(pixels);
+	}
+	else
+	{
+		packed.store(pixels);
+	}
+}
+
+ZORT_INLINE void clampPixels(const float* numbers, Pixel<unsigned short>* pixels)
+{
+	const auto packed =
+	    as<std::int64_t>(packUnsigned(loadTruncated<unsigned short>(numbers), loadTruncated<unsigned short>(numbers + F32::kCount)));
+	if constexpr (kLanesLevel == eSimdAvx2)
+	{
+		shuffle<0, 2, 1, 3>(packed).store(pixels);
+	}
+	else
+	{
+		packed.store(pixels);
+	}
+}
+
+ZORT_INLINE void clampPixels(const float* numbers, Pixel<unsigned int>* pixels)
+{
+	// The processor converts to signed numbers: the upper half of the range moves down for that. 2^32 then is out of range, which the
+	// processor answers with the top bit alone, and that goes out again.
+	const F32 limited = loadLimited<unsigned int>(numbers);
+	const F32 half = F32::filled(2147483648.0f);
+	const auto isHigh = limited >= half;
+	const I32 low = truncated(select(isHigh, limited - half, limited));
+	(low ^ (isHigh & I32::filled(INT32_MIN))).store(pixels);
+}
+
+ZORT_INLINE void clampPixels(const float* numbers, Pixel<float>* pixels)
+{
+	loadLimited<float>(numbers).store(pixels);
+}
+
+/// Sums of the elements of one register of each row, from 2 * kLanesBytes bytes on: those of pixels 2n and 2n + 1 added, and divided by
+/// their number.
+template<unsigned int NumRows>
+ZORT_INLINE void halvePixels(const Pixel<unsigned char>* const (&rows)[NumRows], Pixel<unsigned char>* result)
+{
+	constexpr int kShift = NumRows == 2 ? 2 : 3;
+	const U8 zero = U8::filled(0);
+	U16 means[2];
+	for (unsigned int part = 0; part < 2; ++part)
+	{
+		U16 low = U16::filled(0);
+		U16 high = U16::filled(0);
+		for (unsigned int row = 0; row < NumRows; ++row)
+		{
+			const U8 elements = U8::load(reinterpret_cast<const unsigned char*>(rows[row]) + part * kLanesBytes);
+			low += as<std::uint16_t>(interleaveLow(elements, zero));
+			high += as<std::uint16_t>(interleaveHigh(elements, zero));
+		}
+		const U64 even = interleaveLow(as<std::uint64_t>(low), as<std::uint64_t>(high));
+		const U64 odd = interleaveHigh(as<std::uint64_t>(low), as<std::uint64_t>(high));
+		means[part] = (as<std::uint16_t>(even) + as<std::uint16_t>(odd)) >> kShift;
+	}
+	const auto packed = as<std::int64_t>(packUnsigned(as<std::int16_t>(means[0]), as<std::int16_t>(means[1])));
+	if constexpr (kLanesLevel == eSimdAvx2)
+	{
+		shuffle<0, 2, 1, 3>(packed).store(result);
+	}
+	else
+	{
+		packed.store(result);
+	}
+}
+
+template<unsigned int NumRows>
+ZORT_INLINE void halvePixels(const Pixel<unsigned short>* const (&rows)[NumRows], Pixel<unsigned short>* result)
+{
+	constexpr int kShift = NumRows == 2 ? 2 : 3;
+	const U16 zero = U16::filled(0);
+	I32 means[2];
+	for (unsigned int part = 0; part < 2; ++part)
+	{
+		U32 sum = U32::filled(0);
+		for (unsigned int row = 0; row < NumRows; ++row)
+		{
+			const U16 elements = U16::load(reinterpret_cast<const unsigned char*>(rows[row]) + part * kLanesBytes);
+			sum += as<std::uint32_t>(interleaveLow(elements, zero)) + as<std::uint32_t>(interleaveHigh(elements, zero));
+		}
+		means[part] = as<std::int32_t>(sum >> kShift);
+	}
+	const auto packed = as<std::int64_t>(packUnsigned(means[0], means[1]));
+	if constexpr (kLanesLevel == eSimdAvx2)
+	{
+		shuffle<0, 2, 1, 3>(packed).store(result);
+	}
+	else
+	{
+		packed.store(result);
+	}
+}
+
+template<unsigned int NumRows, typename T>
+ZORT_INLINE void halveRows(const Pixel<T>* const* rows, Pixel<T>* result, std::size_t width)
+{
+	constexpr unsigned int kStep = kPixelsOfRegister<T>;
+	const Pixel<T>* at[NumRows];
+	std::size_t pixel = 0;
+	for (; pixel + kStep <= width; pixel += kStep)
+	{
+		for (unsigned int row = 0; row < NumRows; ++row)
+		{
+			at[row] = rows[row] + pixel * 2;
+		}
+		halvePixels(at, result + pixel);
+	}
+	if (pixel < width)
+	{
+		Pixel<T> tails[NumRows][kStep * 2] = {};
+		Pixel<T> means[kStep];
+		for (unsigned int row = 0; row < NumRows; ++row)
+		{
+			std::memcpy(tails[row], rows[row] + pixel * 2, (width - pixel) * 2 * sizeof(Pixel<T>));
+			at[row] = tails[row];
+		}
+		halvePixels(at, means);
+		std::memcpy(result + pixel, means, (width - pixel) * sizeof(Pixel<T>));
+	}
+}
+
+/// The sum of the rows at N elements with the weights 1 2 1, or with their outer product over three slices.
+template<unsigned int N, typename T>
+ZORT_INLINE Lanes<std::int32_t, N> sumOfRows(const Pixel<T>* const* rows, unsigned int numRows, std::size_t offset)
+{
+	const auto at = [offset](const Pixel<T>* row) __attribute__((always_inline))
+	{
+		return loadWidened<N>(reinterpret_cast<const T*>(row) + offset);
+	};
+	const auto ofSlice = [at](const Pixel<T>* const* slice) __attribute__((always_inline))
+	{
+		const Lanes<std::int32_t, N> middle = at(slice[1]);
+		return at(slice[0]) + middle + middle + at(slice[2]);
+	};
+	if (numRows == 3)
+	{
+		return ofSlice(rows);
+	}
+	const Lanes<std::int32_t, N> middle = ofSlice(rows + 3);
+	return ofSlice(rows) + middle + middle + ofSlice(rows + 6);
+}
+
+template<unsigned int N>
+ZORT_INLINE void smoothAlong(const std::int32_t* sums, int shift, float* numbers)
+{
+	using Sums = Lanes<std::int32_t, N>;
+	const Sums middle = Sums::load(sums + kChannels);
+	convert<float>((Sums::load(sums) + middle + middle + Sums::load(sums + 2 * kChannels)) >> shift).store(numbers);
+}
+} // namespace
+
+template<ESimdLevel level, typename T>
+void expandRow(const Pixel<T>* row, float* numbers, std::size_t width)
+{
+	const T* elements = reinterpret_cast<const T*>(row);
+	const std::size_t count = width * kChannels;
+	std::size_t i = 0;
+	for (; i + F32::kCount <= count; i += F32::kCount)
+	{
+		loadNumbers<F32::kCount>(elements + i).store(numbers + i);
+	}
+	for (; i < count; i += kChannels)
+	{
+		loadNumbers<kChannels>(elements + i).store(numbers + i);
+	}
+}
+
+template<ESimdLevel level, typename T>
+void clampRow(const float* numbers, Pixel<T>* row, std::size_t width)
+{
+	constexpr unsigned int kStep = kPixelsOfRegister<T>;
+	std::size_t pixel = 0;
+	for (; pixel + kStep <= width; pixel += kStep)
+	{
+		clampPixels(numbers + pixel * kChannels, row + pixel);
+	}
+	if (pixel < width)
+	{
+		float tail[kStep * kChannels] = {};
+		Pixel<T> pixels[kStep];
+		std::memcpy(tail, numbers + pixel * kChannels, (width - pixel) * kChannels * sizeof(float));
+		clampPixels(tail, pixels);
+		std::memcpy(row + pixel, pixels, (width - pixel) * sizeof(Pixel<T>));
+	}
+}
+
+template<ESimdLevel level>
+void linearRow(const float* const* rows, unsigned int numSlices, const RowTaps<2>& x, float fractionY, float fractionZ, float* numbers)
+{
+	if (numSlices == 1)
+	{
+		sampleLinearRow<1>(rows, x, fractionY, fractionZ, numbers);
+	}
+	else
+	{
+		sampleLinearRow<2>(rows, x, fractionY, fractionZ, numbers);
+	}
+}
+
+template<ESimdLevel level>
+void splineAlongRow(const float* row, const RowTaps<4>& x, float* numbers)
+{
+	std::size_t pixel = 0;
+	for (; pixel + kPixelsAtOnce <= x.width; pixel += kPixelsAtOnce)
+	{
+		splineAlong<F32::kCount>(row, x, pixel, numbers);
+	}
+	for (; pixel < x.width; ++pixel)
+	{
+		splineAlong<kChannels>(row, x, pixel, numbers);
+	}
+}
+
+template<ESimdLevel level>
+void splineAcrossRows(const float* const* rows, float fraction, float* numbers, std::size_t width)
+{
+	const std::size_t count = width * kChannels;
+	std::size_t i = 0;
+	for (; i + F32::kCount <= count; i += F32::kCount)
+	{
+		splineAcross<F32::kCount>(rows, fraction, i, numbers);
+	}
+	for (; i < count; i += kChannels)
+	{
+		splineAcross<kChannels>(rows, fraction, i, numbers);
+	}
+}
+
+template<ESimdLevel level>
+void convolveRow(const float* const* rows, std::size_t numRows, const float* kernel, unsigned int kernelWidth, float scale, float* numbers,
+                 std::size_t width)
+{
+	const std::size_t count = width * kChannels;
+	std::size_t i = 0;
+	for (; i + F32::kCount <= count; i += F32::kCount)
+	{
+		convolve<F32::kCount>(rows, numRows, kernel, kernelWidth, scale, i, numbers);
+	}
+	for (; i < count; i += kChannels)
+	{
+		convolve<kChannels>(rows, numRows, kernel, kernelWidth, scale, i, numbers);
+	}
+}
+
+template<ESimdLevel level>
+void truncateRow(float* numbers, std::size_t width)
+{
+	for (std::size_t i = 0; i < width * kChannels; i += kChannels)
+	{
+		using Four = Floats<kChannels>;
+		const Four number = Four::load(numbers + i);
+		// From 2^24 on every float is an integer.
+		const Four integer = select(number < Four::filled(16777216.0f), convert<float>(truncated(number)), number);
+		select(number < Four::filled(kElementCeiling<unsigned int>), integer, Four::filled(0.0f)).store(numbers + i);
+	}
+}
+
+template<ESimdLevel level, typename T>
+void smoothRow(const Pixel<T>* const* rows, unsigned int numRows, Pixel<int>* sums, float* numbers, std::size_t width)
+{
+	auto* inner = reinterpret_cast<std::int32_t*>(sums + 1);
+	const std::size_t count = width * kChannels;
+	std::size_t i = 0;
+	for (; i + F32::kCount <= count; i += F32::kCount)
+	{
+		sumOfRows<F32::kCount>(rows, numRows, i).store(inner + i);
+	}
+	for (; i < count; i += kChannels)
+	{
+		sumOfRows<kChannels>(rows, numRows, i).store(inner + i);
+	}
+	sums[0] = sums[width];
+	sums[width + 1] = sums[width];
+
+	const int shift = numRows == 3 ? 4 : 6;
+	i = 0;
+	for (; i + F32::kCount <= count; i += F32::kCount)
+	{
+		smoothAlong<F32::kCount>(inner - kChannels + i, shift, numbers + i);
+	}
+	for (; i < count; i += kChannels)
+	{
+		smoothAlong<kChannels>(inner - kChannels + i, shift, numbers + i);
+	}
+}
+
+template<ESimdLevel level, typename T>
+void halveRow(const Pixel<T>* const* rows, unsigned int numRows, Pixel<T>* result, std::size_t width)
+{
+	if (numRows == 2)
+	{
+		halveRows<2>(rows, result, width);
+	}
+	else
+	{
+		halveRows<4>(rows, result, width);
+	}
+}
+
+#define ZORT_ROW_FILTERS(T)                                                                                                                \
+	template void expandRow<kLanesLevel>(const Pixel<T>*, float*, std::size_t);                                                            \
+	template void clampRow<kLanesLevel>(const float*, Pixel<T>*, std::size_t);
+ZORT_ROW_FILTERS(unsigned char)
+ZORT_ROW_FILTERS(unsigned short)
+ZORT_ROW_FILTERS(unsigned int)
+ZORT_ROW_FILTERS(float)
+#undef ZORT_ROW_FILTERS
+template void linearRow<kLanesLevel>(const float* const*, unsigned int, const RowTaps<2>&, float, float, float*);
+template void splineAlongRow<kLanesLevel>(const float*, const RowTaps<4>&, float*);
+template void splineAcrossRows<kLanesLevel>(const float* const*, float, float*, std::size_t);
+template void convolveRow<kLanesLevel>(const float* const*, std::size_t, const float*, unsigned int, float, float*, std::size_t);
+template void truncateRow<kLanesLevel>(float*, std::size_t);
+template void smoothRow<kLanesLevel>(const Pixel<unsigned char>* const*, unsigned int, Pixel<int>*, float*, std::size_t);
+template void smoothRow<kLanesLevel>(const Pixel<unsigned short>* const*, unsigned int, Pixel<int>*, float*, std::size_t);
+template void halveRow<kLanesLevel>(const Pixel<unsigned char>* const*, unsigned int, Pixel<unsigned char>*, std::size_t);
+template void halveRow<kLanesLevel>(const Pixel<unsigned short>* const*, unsigned int, Pixel<unsigned short>*, std::size_t);
+} // namespace zortexture
