@@ -57,6 +57,11 @@ enum ECompressorQuality : int
 ZORT_API bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
                         ECompressorQuality quality = eQuality_0, bool dither = false);
 
+/// As Transcode, but leaves `source` as it is and puts what it becomes into `result`, for callers who need both: a copy of the source
+/// stands beside them only where a codec works in place. `result` may be the source itself.
+ZORT_API bool TranscodeInto(const CZORTexture& source, CZORTexture& result, PixelType target, EZORTVariableType channelType,
+                            EZORTColourSpace colourSpace, ECompressorQuality quality = eQuality_0, bool dither = false);
+
 /// Decodes a compressed texture in place to the intermediate form of its format. Returns the bytes that the codecs reported;
 /// 0, with the texture unchanged, when it is not compressed, lacks data or is too large when decoded.
 ZORT_API unsigned int DecompressNonTrivial(CZORTexture& texture);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <iostream>
 #include <unistd.h>
+#include <utility>
 
 #include "Commands.h"
 #include "ConvertReport.h"
@@ -68,9 +69,9 @@ void pickImage(CZORTexture& texture, const ConvertOptions& options, OperationCon
 /// Whether some pixel of the largest image is not opaque. A texture that cannot be looked at counts as opaque.
 bool hasTranslucentPixels(const CZORTexture& texture)
 {
-	CZORTexture pixels = texture;
+	CZORTexture pixels;
 	const StandardOutputGuard guard;
-	if (!Transcode(pixels, ZORStandard8PixelType, eVT_UnsignedByteNorm, texture.getColourSpace()))
+	if (!TranscodeInto(texture, pixels, ZORStandard8PixelType, eVT_UnsignedByteNorm, texture.getColourSpace()))
 	{
 		return false;
 	}
@@ -122,26 +123,32 @@ void addTargetNotes(const CZORTextureHeader& source, const Target& target, const
 void convertPixels(CZORTexture& texture, const Target& target, const ConvertOptions& options, const Progress& progress,
                    ConvertReport& report)
 {
-	const bool isUncompressedSource = !texture.getPixelType().isCompressed();
-	const CZORTexture original = texture;
+	// A decoded texture has nothing lost to measure; otherwise the original must last.
+	const bool isMeasured = !texture.getPixelType().isCompressed() || target.pixelType.isCompressed();
+	const PixelType sourceType = texture.getPixelType();
+	CZORTexture original;
+	if (isMeasured)
+	{
+		original = std::move(texture);
+	}
 	progress.say((target.pixelType.isCompressed() ? "encoding to " : "converting to ") + formatName(target.pixelType, target.type));
 
 	const auto start = std::chrono::steady_clock::now();
 	bool isConverted = false;
 	{
 		const StandardOutputGuard guard; // some codecs print debug lines there
-		isConverted = transcodeTexture(texture, target.pixelType, target.type, target.space, target.quality, target.dither);
+		isConverted = transcodeInto(isMeasured ? original : texture, texture, target.pixelType, target.type, target.space, target.quality,
+		                            target.dither);
 	}
 	report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 	if (!isConverted)
 	{
-		throw Refusal(options.input, "cannot be converted to " + formatName(target.pixelType, target.type) +
-		                                 helperProblem(original.getPixelType(), target.pixelType));
+		throw Refusal(options.input,
+		              "cannot be converted to " + formatName(target.pixelType, target.type) + helperProblem(sourceType, target.pixelType));
 	}
 	report.quality = target.quality;
 	report.dither = target.dither;
-	// A decoded texture has nothing lost to measure.
-	if (isUncompressedSource || target.pixelType.isCompressed())
+	if (isMeasured)
 	{
 		progress.say("measuring");
 		report.measurement = compareTextures(original, texture);

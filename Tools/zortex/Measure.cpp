@@ -1,5 +1,6 @@
 #include "Measure.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -37,23 +38,64 @@ bool isEightBit(const CZORTexture& texture)
 	return type == eVT_UnsignedByteNorm && widestChannel(layout) <= 8;
 }
 
-/// One image of a texture as 8-bit or float rgba. False when it cannot be decoded.
-bool extractImage(const CZORTexture& texture, unsigned int member, unsigned int face, PixelType layout, EZORTVariableType type,
-                  EZORTColourSpace space, CZORTexture& image)
+/// Texels that are measured at a time. Two runs of float rgba and the textures themselves are all that a comparison keeps.
+constexpr std::size_t kTexelsInRun = 65536;
+
+/// One image of a texture, which hands its texels out in runs and in another form.
+class ImageTexels
 {
-	const CZORTextureHeader header(texture.getPixelType().id, texture.getHeight(), texture.getWidth(), texture.getDepth(), 1, 1, 1,
-	                               texture.getColourSpace(), texture.getChannelType());
-	image = CZORTexture(header, texture.getDataPtr(0, member, face));
-	return transcodeTexture(image, layout, type, space) && image.isDataComplete();
-}
+public:
+	ImageTexels(const CZORTexture& texture, unsigned int member, unsigned int face)
+	    : m_form(texture.getPixelType().id, texture.getHeight(), texture.getWidth(), texture.getDepth(), 1, 1, 1, texture.getColourSpace(),
+	             texture.getChannelType()),
+	      m_texels(static_cast<const unsigned char*>(texture.getDataPtr(0, member, face)))
+	{
+		if (!m_form.getPixelType().isCompressed())
+		{
+			return;
+		}
+		PixelType layout;
+		EZORTVariableType type = eVT_UnsignedByteNorm;
+		workingLayout(texture.getPixelType(), texture.getChannelType(), layout, type);
+		// A texture of one image is decoded as it stands, which saves a copy of its blocks.
+		const bool isAlone = texture.getNumMIPLevels() == 1 && texture.getNumArrayMembers() == 1 && texture.getNumFaces() == 1;
+		const bool isDecoded = isAlone ? transcodeInto(texture, m_decoded, layout, type, m_form.getColourSpace())
+		                               : transcodeInto(CZORTexture(m_form, m_texels), m_decoded, layout, type, m_form.getColourSpace());
+		m_form = m_decoded.getHeader();
+		m_texels = isDecoded ? static_cast<const unsigned char*>(m_decoded.getDataPtr()) : nullptr;
+	}
+
+	std::size_t size() const
+	{
+		return static_cast<std::size_t>(m_form.getWidth()) * m_form.getHeight() * m_form.getDepth();
+	}
+
+	/// The texels from `first` on as `run`, a row of another layout. False when they cannot be had.
+	bool read(std::size_t first, std::size_t count, PixelType layout, EZORTVariableType type, EZORTColourSpace space,
+	          CZORTexture& run) const
+	{
+		if (m_texels == nullptr)
+		{
+			return false;
+		}
+		const CZORTextureHeader row(m_form.getPixelType().id, 1, static_cast<unsigned int>(count), 1, 1, 1, 1, m_form.getColourSpace(),
+		                            m_form.getChannelType());
+		run = CZORTexture(row, m_texels + first * (m_form.getBitsPerPixel() / 8));
+		return transcodeTexture(run, layout, type, space) && run.isDataComplete();
+	}
+
+private:
+	CZORTextureHeader m_form;
+	CZORTexture m_decoded; ///< of a compressed texture, in the form that its codec gives
+	const unsigned char* m_texels;
+};
 
 template<typename T>
 void addSquares(const CZORTexture& a, const CZORTexture& b, double scale, double (&sums)[4])
 {
 	const auto* first = static_cast<const T*>(a.getDataPtr());
 	const auto* second = static_cast<const T*>(b.getDataPtr());
-	const std::size_t texels = static_cast<std::size_t>(a.getWidth()) * a.getHeight() * a.getDepth();
-	for (std::size_t i = 0; i < texels; ++i)
+	for (std::size_t i = 0; i < a.getWidth(); ++i)
 	{
 		for (std::size_t channel = 0; channel < 4; ++channel)
 		{
@@ -77,15 +119,20 @@ Measurement compareTextures(const CZORTexture& original, const CZORTexture& conv
 	{
 		for (unsigned int face = 0; face < converted.getNumFaces(); ++face)
 		{
-			CZORTexture before;
-			CZORTexture after;
-			if (!extractImage(original, member, face, layout, type, space, before) ||
-			    !extractImage(converted, member, face, layout, type, space, after))
+			const ImageTexels before(original, member, face);
+			const ImageTexels after(converted, member, face);
+			CZORTexture runBefore;
+			CZORTexture runAfter;
+			for (std::size_t first = 0; first < after.size(); first += kTexelsInRun)
 			{
-				return {};
+				const std::size_t count = std::min(kTexelsInRun, after.size() - first);
+				if (!before.read(first, count, layout, type, space, runBefore) || !after.read(first, count, layout, type, space, runAfter))
+				{
+					return {};
+				}
+				isCoarse ? addSquares<unsigned char>(runBefore, runAfter, 1.0, sums) : addSquares<float>(runBefore, runAfter, 255.0, sums);
 			}
-			isCoarse ? addSquares<unsigned char>(before, after, 1.0, sums) : addSquares<float>(before, after, 255.0, sums);
-			texels += static_cast<double>(after.getWidth()) * after.getHeight() * after.getDepth();
+			texels += static_cast<double>(after.size());
 		}
 	}
 

@@ -1,5 +1,7 @@
 #include "TranscodeTexture.h"
 
+#include <utility>
+
 namespace zortex
 {
 using namespace zortexture;
@@ -34,7 +36,7 @@ bool codeDXT(CZORTexture& texture, decltype(&DXTCompress) code, unsigned int num
 	CZORTextureHeader header(texture.getHeader());
 	header.setPixelFormat(format);
 	header.setChannelType(eVT_UnsignedByteNorm);
-	const CZORTexture coded(header);
+	CZORTexture coded(header);
 	if (!texture.isDataComplete() || !coded.isDataComplete())
 	{
 		return false;
@@ -47,7 +49,7 @@ bool codeDXT(CZORTexture& texture, decltype(&DXTCompress) code, unsigned int num
 		                                             texture.getWidth(level), texture.getHeight(level), number);
 		             isWhole = isWhole && bytes == coded.getDataSize(static_cast<int>(level), false, false);
 	             });
-	texture = coded;
+	texture = std::move(coded);
 	return isWhole;
 }
 
@@ -70,18 +72,29 @@ bool ditherTexture(CZORTexture& texture, PixelType target)
 
 bool transcodeTexture(CZORTexture& texture, PixelType target, EZORTVariableType type, EZORTColourSpace space, int quality, bool dither)
 {
-	const unsigned int sourceNumber = dxtNumber(texture.getPixelType());
-	if (sourceNumber != 0 && !codeDXT(texture, DXTDecompress, sourceNumber, ZORStandard8PixelType))
+	return transcodeInto(texture, texture, target, type, space, quality, dither);
+}
+
+bool transcodeInto(const CZORTexture& source, CZORTexture& result, PixelType target, EZORTVariableType type, EZORTColourSpace space,
+                   int quality, bool dither)
+{
+	const unsigned int sourceNumber = dxtNumber(source.getPixelType());
+	const unsigned int targetNumber = dxtNumber(target);
+	if (sourceNumber == 0 && targetNumber == 0)
+	{
+		return TranscodeInto(source, result, target, type, space, static_cast<ECompressorQuality>(quality), dither);
+	}
+	result = source;
+	if (sourceNumber != 0 && !codeDXT(result, DXTDecompress, sourceNumber, ZORStandard8PixelType))
 	{
 		return false;
 	}
-	const unsigned int targetNumber = dxtNumber(target);
 	if (targetNumber == 0)
 	{
-		return Transcode(texture, target, type, space, static_cast<ECompressorQuality>(quality), dither);
+		return Transcode(result, target, type, space, static_cast<ECompressorQuality>(quality), dither);
 	}
 	// The stages of the pipeline before its encoder, and then ours.
-	return (!dither || ditherTexture(texture, target)) && Transcode(texture, ZORStandard8PixelType, eVT_UnsignedByteNorm, space) &&
-	       codeDXT(texture, DXTCompress, targetNumber, target);
+	return (!dither || ditherTexture(result, target)) && Transcode(result, ZORStandard8PixelType, eVT_UnsignedByteNorm, space) &&
+	       codeDXT(result, DXTCompress, targetNumber, target);
 }
 } // namespace zortex

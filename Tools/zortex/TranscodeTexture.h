@@ -12,6 +12,11 @@ namespace zortex
 /// failure. False when a stage failed; the texture is of no use then.
 bool transcodeTexture(zortexture::CZORTexture& texture, zortexture::PixelType target, EZORTVariableType type, EZORTColourSpace space,
                       int quality = 0, bool dither = false);
+
+/// The same with the result in another texture, for callers who need the source later; see TranscodeInto. `result` may be the source
+/// itself.
+bool transcodeInto(const zortexture::CZORTexture& source, zortexture::CZORTexture& result, zortexture::PixelType target,
+                   EZORTVariableType type, EZORTColourSpace space, int quality = 0, bool dither = false);
 } // namespace zortex
 
 #endif // ZORTEX_TRANSCODE_TEXTURE_H

@@ -25,4 +25,7 @@ struct SCodecImage
 /// format without a codec.
 unsigned int decodeImage(const SCodecImage& image);
 unsigned int encodeImage(const SCodecImage& image);
+
+/// DecompressNonTrivial into another texture, which may be the same one. Where that leaves its texture unchanged, this leaves `result`.
+unsigned int decodeTexture(const CZORTexture& texture, CZORTexture& result);
 } // namespace zortexture

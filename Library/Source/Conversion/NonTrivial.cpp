@@ -79,6 +79,11 @@ std::vector<unsigned char> padLevel(const unsigned char* level, const unsigned c
 
 unsigned int DecompressNonTrivial(CZORTexture& texture)
 {
+	return decodeTexture(texture, texture);
+}
+
+unsigned int decodeTexture(const CZORTexture& texture, CZORTexture& result)
+{
 	const PixelType format = texture.getPixelType();
 	PixelType intermediate;
 	EZORTVariableType intermediateType = eVT_UnsignedByteNorm;
@@ -124,7 +129,7 @@ unsigned int DecompressNonTrivial(CZORTexture& texture)
 			             std::memcpy(level, scratch.data(), shape.numPixels() * bytesPerPixel);
 		             }
 	             });
-	texture = std::move(decoded);
+	result = std::move(decoded);
 	return bytesDecoded;
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Channels.h"
+#include "CodecDispatch.h"
 #include "Processing/ElementDispatch.h"
 #include "TextureSize.h"
 
@@ -40,14 +41,20 @@ bool isStorable(const CZORTextureHeader& shape, PixelType format)
 	return isDataSizeExact(header);
 }
 
+/// TranscodeTrivial reads its source alone, although it asks for more.
+CZORTexture& toBeRead(const CZORTexture& source)
+{
+	return const_cast<CZORTexture&>(source); // NOLINT(cppcoreguidelines-pro-type-const-cast)
+}
+
 /// An 8-bit copy of a texture in its own colour space, dithered to the depths of a target.
-CZORTexture makeDitheredCopy(CZORTexture& texture, CPixelEncoder& sourceEncoder, CPixelEncoder& encoder8, PixelType target)
+CZORTexture makeDitheredCopy(const CZORTexture& texture, CPixelEncoder& sourceEncoder, CPixelEncoder& encoder8, PixelType target)
 {
 	CZORTextureHeader header(texture.getHeader());
 	header.setPixelFormat(ZORStandard8PixelType);
 	header.setChannelType(eVT_UnsignedByteNorm);
 	CZORTexture copy(header);
-	TranscodeTrivial(texture, copy, sourceEncoder, encoder8, header.getColourSpace(), header.getColourSpace());
+	TranscodeTrivial(toBeRead(texture), copy, sourceEncoder, encoder8, header.getColourSpace(), header.getColourSpace());
 
 	EChannelName grey = greyChannelOf(target);
 	const PixelType bumpWithLuminance('l', 'g', 'r', 0, 6, 5, 5, 0); // its luminance stands beside two colours
@@ -70,7 +77,13 @@ CZORTexture makeDitheredCopy(CZORTexture& texture, CPixelEncoder& sourceEncoder,
 bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
                ECompressorQuality quality, bool dither)
 {
-	if (target.id == ePF_NumCompressedPFs || texture.getDataSize(-1, true, true) == 0 || !texture.isDataComplete())
+	return TranscodeInto(texture, texture, target, channelType, colourSpace, quality, dither);
+}
+
+bool TranscodeInto(const CZORTexture& source, CZORTexture& result, PixelType target, EZORTVariableType channelType,
+                   EZORTColourSpace colourSpace, ECompressorQuality quality, bool dither)
+{
+	if (target.id == ePF_NumCompressedPFs || source.getDataSize(-1, true, true) == 0 || !source.isDataComplete())
 	{
 		return false;
 	}
@@ -83,63 +96,80 @@ bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channel
 		IntermediateTranscodeFormat(target, channelType, workingType, workingChannelType);
 	}
 
-	// Every form on the way must be storable, before any of them replaces the texture.
+	// Every form on the way must be storable, before any of them replaces the result.
 	const bool isDithered = dither && ZORTGetBitsPerPixel(target.id) < kUnditheredBits;
-	if (texture.getPixelType().isCompressed())
+	if (source.getPixelType().isCompressed())
 	{
 		PixelType decodedType;
 		EZORTVariableType decodedChannelType = eVT_UnsignedByteNorm;
-		IntermediateTranscodeFormat(texture.getPixelType(), texture.getChannelType(), decodedType, decodedChannelType);
-		if (!isStorable(texture, decodedType))
+		IntermediateTranscodeFormat(source.getPixelType(), source.getChannelType(), decodedType, decodedChannelType);
+		if (!isStorable(source, decodedType))
 		{
 			return false;
 		}
 	}
-	if ((isDithered && !isStorable(texture, ZORStandard8PixelType)) || !isStorable(texture, workingType) || !isStorable(texture, target))
+	if ((isDithered && !isStorable(source, ZORStandard8PixelType)) || !isStorable(source, workingType) || !isStorable(source, target))
 	{
 		return false;
 	}
 
-	bool isWhole = true;
-	if (texture.getPixelType().isCompressed())
+	// The latest form: the source itself, until there is one in `result`.
+	const CZORTexture* form = &source;
+	const auto takeForm = [&]
 	{
-		const unsigned int bytesDecoded = DecompressNonTrivial(texture);
-		isWhole = texture.getDataSize(-1, true, true) == bytesDecoded;
+		if (form != &result)
+		{
+			result = *form;
+			form = &result;
+		}
+	};
+	bool isWhole = true;
+	if (source.getPixelType().isCompressed())
+	{
+		const unsigned int bytesDecoded = decodeTexture(source, result); // the sizes it could refuse have been looked at
+		form = &result;
+		isWhole = result.getDataSize(-1, true, true) == bytesDecoded;
 	}
-	CPixelEncoder sourceEncoder(texture.getPixelType(), texture.getChannelType());
+	CPixelEncoder sourceEncoder(form->getPixelType(), form->getChannelType());
 
 	if (isDithered)
 	{
 		CPixelEncoder encoder8(ZORStandard8PixelType, eVT_UnsignedByteNorm);
-		texture = makeDitheredCopy(texture, sourceEncoder, encoder8, target);
+		result = makeDitheredCopy(*form, sourceEncoder, encoder8, target);
+		form = &result;
 		sourceEncoder = encoder8;
 	}
 
-	const EZORTColourSpace sourceSpace = texture.getColourSpace();
-	if (texture.getChannelType() == channelType && sourceSpace == colourSpace && texture.getPixelType().id == target.id)
+	const EZORTColourSpace sourceSpace = form->getColourSpace();
+	if (form->getChannelType() == channelType && sourceSpace == colourSpace && form->getPixelType().id == target.id)
 	{
+		takeForm();
 		return isWhole; // already there
 	}
 
 	// Bytes that are the working form already are compressed where they lie: large textures cost a copy less.
-	const bool isWorkingForm = target.isCompressed() && texture.getPixelType().id == workingType.id && sourceSpace == colourSpace &&
-	                           texture.getChannelType() == eVT_UnsignedByteNorm && workingChannelType == eVT_UnsignedByteNorm;
-	if (!isWorkingForm)
+	const bool isWorkingForm = target.isCompressed() && form->getPixelType().id == workingType.id && sourceSpace == colourSpace &&
+	                           form->getChannelType() == eVT_UnsignedByteNorm && workingChannelType == eVT_UnsignedByteNorm;
+	if (isWorkingForm)
 	{
-		CZORTextureHeader header(texture.getHeader());
+		takeForm();
+	}
+	else
+	{
+		CZORTextureHeader header(form->getHeader());
 		header.setPixelFormat(workingType);
 		header.setChannelType(workingChannelType);
 		header.setColourSpace(colourSpace);
 		CZORTexture converted(header);
 		CPixelEncoder targetEncoder(workingType, workingChannelType);
-		TranscodeTrivial(texture, converted, sourceEncoder, targetEncoder, colourSpace, sourceSpace);
-		texture = std::move(converted);
+		TranscodeTrivial(toBeRead(*form), converted, sourceEncoder, targetEncoder, colourSpace, sourceSpace);
+		result = std::move(converted);
 	}
 
 	if (target.isCompressed())
 	{
-		const unsigned int bytesEncoded = CompressNonTrivial(texture, target, quality);
-		isWhole = isWhole && texture.getDataSize(-1, true, true) == bytesEncoded;
+		const unsigned int bytesEncoded = CompressNonTrivial(result, target, quality);
+		isWhole = isWhole && result.getDataSize(-1, true, true) == bytesEncoded;
 	}
 	return isWhole;
 }

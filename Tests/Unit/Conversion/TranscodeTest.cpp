@@ -63,6 +63,30 @@ TEST(Transcode, SameFormIsLeftAlone)
 	EXPECT_EQ(bytesOf(texture), Bytes{128});
 }
 
+TEST(Transcode, TheSourceOfACopyStays)
+{
+	const CZORTexture source = randomTexture(CZORTextureHeader(ZORStandard8PixelType.id, 3, 5), 1);
+	CZORTexture blocks(source);
+	ASSERT_TRUE(Transcode(blocks, ePF_ETC2_RGBA, eVT_UnsignedByteNorm, eCS_lRGB));
+	for (const CZORTexture& original : {source, blocks})
+	{
+		for (const PixelType target : {ZORStandard8PixelType, layout("rgb565"), PixelType(ePF_ETC1), PixelType(ePF_ETC2_RGBA),
+		                               PixelType(ePF_TesselI_4bpp_RGB), PixelType(ePF_NumCompressedPFs)})
+		{
+			for (const bool dither : {false, true})
+			{
+				const CZORTexture before(original);
+				CZORTexture inPlace(original);
+				CZORTexture result(source);
+				const bool isConverted = Transcode(inPlace, target, eVT_UnsignedByteNorm, eCS_lRGB, eQuality_0, dither);
+				EXPECT_EQ(TranscodeInto(original, result, target, eVT_UnsignedByteNorm, eCS_lRGB, eQuality_0, dither), isConverted);
+				EXPECT_TRUE(isUnchanged(original, before));
+				EXPECT_TRUE(isUnchanged(result, isConverted ? inPlace : source));
+			}
+		}
+	}
+}
+
 TEST(Transcode, DitheringDependsOnTheTarget)
 {
 	struct
