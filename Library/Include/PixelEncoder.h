@@ -94,6 +94,8 @@ public:
 	int ResizeSInt(const int& value, const unsigned char& sourceBits, const unsigned char& targetBits) const;
 
 private:
+	friend struct SPixelLayout;
+
 	/// What a destination's luminance, intensity and missing colour channels receive.
 	struct SGreyValues
 	{

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "GreyRule.h"
 #include "NormalisedInteger.h"
 #include "PixelEncoder.h"
 
@@ -15,48 +16,31 @@ bool CPixelEncoder::HasChannel(EChannelName channel) const
 
 void CPixelEncoder::DeriveGrey(const CPixelEncoder& source, SGreyValues& values) const
 {
-	const bool toLuminance = HasChannel(eCh_Luminance);
-	const bool toIntensity = HasChannel(eCh_Intensity);
-	const bool fromLuminance = source.HasChannel(eCh_Luminance);
-	const bool fromIntensity = source.HasChannel(eCh_Intensity);
-
-	// A grey source feeds one of luminance and intensity, and the missing colours with it; the other stays 0.
-	if (toLuminance && fromLuminance)
+	const SGreyRule rule = greyRuleOf(HasChannel(eCh_Luminance), HasChannel(eCh_Intensity), source.HasChannel(eCh_Luminance),
+	                                  source.HasChannel(eCh_Intensity));
+	float value = 0.0f;
+	switch (rule.source)
 	{
-		values.luminance = values.grey = source.GetChannelFloat(eCh_Luminance);
-	}
-	else if (toIntensity && (fromIntensity || fromLuminance))
+	case eGreyNone:
+		return;
+	case eGreyChannel:
+		value = values.grey = source.GetChannelFloat(rule.channel);
+		break;
+	case eGreyWeighted:
+		value = luminanceOf(source.GetChannelFloat(eCh_Red), source.GetChannelFloat(eCh_Green), source.GetChannelFloat(eCh_Blue));
+		break;
+	case eGreyMean:
 	{
-		values.intensity = values.grey = source.GetChannelFloat(fromIntensity ? eCh_Intensity : eCh_Luminance);
-	}
-	else if (fromIntensity)
-	{
-		values.luminance = values.grey = source.GetChannelFloat(eCh_Intensity);
-	}
-	else if (fromLuminance)
-	{
-		values.intensity = values.grey = source.GetChannelFloat(eCh_Luminance);
-	}
-	else if (toLuminance)
-	{
-		// Channels that the source lacks read as 0 here, and the weights of the others stay as they are.
-		values.luminance = 0.2126f * source.GetChannelFloat(eCh_Red) + 0.7152f * source.GetChannelFloat(eCh_Green) +
-		                   0.0722f * source.GetChannelFloat(eCh_Blue);
-	}
-	else if (toIntensity)
-	{
-		float sum = 0.0f;
 		unsigned int count = 0;
 		for (const EChannelName channel : {eCh_Red, eCh_Green, eCh_Blue})
 		{
-			if (source.HasChannel(channel))
-			{
-				sum += source.GetChannelFloat(channel);
-				++count;
-			}
+			count += source.HasChannel(channel) ? 1 : 0;
 		}
-		values.intensity = count != 0 ? sum / static_cast<float>(count) : 0.0f;
+		value = meanOf(source.GetChannelFloat(eCh_Red), source.GetChannelFloat(eCh_Green), source.GetChannelFloat(eCh_Blue), count);
+		break;
 	}
+	}
+	(rule.isLuminance ? values.luminance : values.intensity) = value;
 }
 
 void CPixelEncoder::SetChannel(EChannelName channel, float value)
