@@ -405,12 +405,16 @@ ZORT_LANES_BINARY(shuffleBytes, std::uint8_t, std::uint8_t, 1, _mm_shuffle_epi8,
 template<typename T, unsigned int N>
 ZORT_INLINE unsigned int bitsOfMask(Lanes<T, N> mask)
 {
-	static_assert(std::is_integral_v<T> && (sizeof(T) == 1 || sizeof(T) == 4), "the processor has these widths alone");
+	static_assert(std::is_integral_v<T> && sizeof(T) != 2, "the processor has no such instruction for this width");
 	if constexpr (sizeof(mask.v) == 16)
 	{
 		if constexpr (sizeof(T) == 1)
 		{
 			return static_cast<unsigned int>(_mm_movemask_epi8(bitsOf(mask)));
+		}
+		else if constexpr (sizeof(T) == 8)
+		{
+			return static_cast<unsigned int>(_mm_movemask_pd(reinterpret_cast<__m128d>(mask.v)));
 		}
 		else
 		{
@@ -421,6 +425,10 @@ ZORT_INLINE unsigned int bitsOfMask(Lanes<T, N> mask)
 	else if constexpr (sizeof(T) == 1)
 	{
 		return static_cast<unsigned int>(_mm256_movemask_epi8(bitsOf(mask)));
+	}
+	else if constexpr (sizeof(T) == 8)
+	{
+		return static_cast<unsigned int>(_mm256_movemask_pd(reinterpret_cast<__m256d>(mask.v)));
 	}
 	else
 	{

@@ -72,7 +72,7 @@ ZORT_INLINE Quad foldHalves(Quad column0, Quad column1, Quad column2, Quad colum
 }
 
 template<typename Fold>
-ZORT_INLINE HalfColours foldPairs(const TexelPairs& texels, Fold fold)
+ZORT_INLINE HalfColours foldPairs(const EtcTexelPairs& texels, Fold fold)
 {
 	const auto foldAll = [&](const std::int32_t(&pairs)[16])
 	{
@@ -241,7 +241,11 @@ ZORT_INLINE Quad boundOfUpperTables(const HalfColours& colours, const HalfColour
 /// What is known of a block while its candidates are compared. Sums are those of the weighted squares.
 struct Search
 {
-	TexelPairs texels;
+	ZORT_INLINE explicit Search(const EtcTexelPairs& pairs) : texels(pairs)
+	{
+	}
+
+	const EtcTexelPairs& texels;
 	alignas(16) std::int32_t squares[4];      ///< |t|^2 over the texels of each half.
 	alignas(16) std::int32_t levels[2][3][4]; ///< By quantisation, channel and half.
 	alignas(16) std::int32_t colours[2][3][4];
@@ -282,47 +286,27 @@ ZORT_INLINE Register besideEachOther(int first, int second, unsigned int part)
 template<EtcMeasure measure>
 ZORT_INLINE void sumTables(Search& search, unsigned int half, unsigned int upper)
 {
-	using W = Weights<measure>;
 	const BasePair base0 = basePair(search, 0, half);
 	const BasePair base1 = basePair(search, 1, half);
 	for (unsigned int part = 0; part < kParts; ++part)
 	{
 		const I16 baseRedGreen = as<std::int16_t>(besideEachOther<I32>(base0.redGreen, base1.redGreen, part));
 		const I16 baseBlue = as<std::int16_t>(besideEachOther<I32>(base0.blue, base1.blue, part));
-		I16 redGreen[4]; // the colours times their weights
-		I16 blue[4];
-		I32 squares[4];
+		ColourLanes<measure> colours[4];
 		for (unsigned int column = 0; column < 4; ++column)
 		{
-			const auto limited = [](I16 a)
-			{
-				return least(greatest(a, I16::filled(0)), I16::filled(255));
-			};
 			const unsigned int lane = part * I32::kCount;
-			const I16 colourRedGreen = limited(baseRedGreen + I16::load(kModifierLanes.redGreen[upper][column] + lane));
-			const I16 colourBlue = limited(baseBlue + I16::load(kModifierLanes.blue[upper][column] + lane));
-			redGreen[column] = colourRedGreen;
-			blue[column] = colourBlue;
-			if constexpr (measure == EtcMeasure::Perceptual)
-			{
-				redGreen[column] = colourRedGreen * as<std::int16_t>(I32::filled(pairOf(W::kRed, W::kGreen)));
-				blue[column] = colourBlue * I16::filled(W::kBlue);
-			}
-			squares[column] = sumsOfProducts(redGreen[column], colourRedGreen) + sumsOfProducts(blue[column], colourBlue);
+			colours[column] = ColourLanes<measure>::of(limited(baseRedGreen + I16::load(kModifierLanes.redGreen[upper][column] + lane)),
+			                                           limited(baseBlue + I16::load(kModifierLanes.blue[upper][column] + lane)));
 		}
 		I32 sums = I32::filled(0);
 		for (unsigned int i = 0; i < 8; ++i)
 		{
 			const unsigned int texel = kHalfTexels[half][i];
-			const I16 texelRedGreen = as<std::int16_t>(I32::filled(search.texels.redGreenFactor[texel]));
-			const I16 texelBlue = as<std::int16_t>(I32::filled(search.texels.blueFactor[texel]));
-			I32 errors[4];
-			for (unsigned int column = 0; column < 4; ++column)
-			{
-				errors[column] =
-				    squares[column] + sumsOfProducts(texelRedGreen, redGreen[column]) + sumsOfProducts(texelBlue, blue[column]);
-			}
-			sums += least(least(errors[0], errors[1]), least(errors[2], errors[3]));
+			const I16 redGreen = as<std::int16_t>(I32::filled(search.texels.redGreenFactor[texel]));
+			const I16 blue = as<std::int16_t>(I32::filled(search.texels.blueFactor[texel]));
+			sums += least(least(colours[0].distance(redGreen, blue), colours[1].distance(redGreen, blue)),
+			              least(colours[2].distance(redGreen, blue), colours[3].distance(redGreen, blue)));
 		}
 		(sums + I32::filled(search.squares[half])).store(&search.sums[half][upper][0][0] + part * I32::kCount);
 	}
@@ -339,7 +323,7 @@ ZORT_INLINE void searchHalf(Search& search, unsigned int half, const std::int32_
 	{
 		leastSums[quantisation] = leastLane(Quad::load(search.sums[half][0][quantisation]));
 		// Of equal errors the lower table wins, but an upper one may reach into what the perceptual sums leave open.
-		const int reach = Weights<measure>::reach(leastSums[quantisation]);
+		const int reach = reachOfSum<measure>(leastSums[quantisation]);
 		isOver &= measure == EtcMeasure::Plain ? bounds[quantisation][half] >= reach : bounds[quantisation][half] > reach;
 	}
 	if (isOver)
@@ -489,7 +473,7 @@ ZORT_INLINE void resolveHalf(const Search& search, unsigned int quantisation, un
 	loadHalf(search.texels.blue, half, blue);
 	const auto& colours = search.colours[quantisation];
 	const int base[3] = {colours[0][half], colours[1][half], colours[2][half]};
-	const Quad reach = Quad::filled(Weights<measure>::reach(search.leastSums[quantisation][half]));
+	const Quad reach = Quad::filled(reachOfSum<measure>(search.leastSums[quantisation][half]));
 	unsigned int tables = bitsOfMask(Quad::load(search.sums[half][0][quantisation]) <= reach) |
 	                      bitsOfMask(Quad::load(search.sums[half][1][quantisation]) <= reach) << 4;
 	choice.table = static_cast<unsigned int>(__builtin_ctz(tables));
@@ -516,17 +500,12 @@ ZORT_INLINE void resolveHalf(const Search& search, unsigned int quantisation, un
 /// 299, 587 and 114 times the squares of the channels, over the texels of a half.
 ZORT_INLINE unsigned int perceptualError(const HalfChoice& choice)
 {
-	I32 sums[3][kParts];
+	ChannelSquares<I32::kCount> squares;
 	for (unsigned int part = 0; part < kParts; ++part)
 	{
-		// Squares are below 65536, so that as 16-bit products they lack only the sign.
-		const I32 redGreen = as<std::int32_t>(as<std::int16_t>(choice.redGreen[part]) * as<std::int16_t>(choice.redGreen[part]));
-		sums[0][part] = redGreen & I32::filled(0xFFFF);
-		sums[1][part] = as<std::int32_t>(as<std::uint32_t>(redGreen) >> 16);
-		sums[2][part] = sumsOfProducts(as<std::int16_t>(choice.blue[part] & I32::filled(0xFFFF)),
-		                               as<std::int16_t>(choice.blue[part] & I32::filled(0xFFFF)));
+		squares.add(as<std::int16_t>(choice.redGreen[part]), as<std::int16_t>(choice.blue[part] & I32::filled(0xFFFF)));
 	}
-	return static_cast<unsigned int>(299 * sumOfAllLanes(sums[0]) + 587 * sumOfAllLanes(sums[1]) + 114 * sumOfAllLanes(sums[2]));
+	return squares.perceptualError();
 }
 
 /// Bits of eight texels in two columns of two, spread to their places in columns of four.
@@ -583,8 +562,7 @@ ZORT_INLINE bool isFlippedBetter(const Search& search, unsigned int quantisation
 	const int flipped = sums[Top] + sums[Bottom];
 	if constexpr (measure == EtcMeasure::Perceptual)
 	{
-		using W = Weights<measure>;
-		if (W::reach(upright) >= flipped && W::reach(flipped) >= upright)
+		if (reachOfSum<measure>(upright) >= flipped && reachOfSum<measure>(flipped) >= upright)
 		{
 			float errors[4];
 			for (unsigned int half = 0; half < 4; ++half)
@@ -601,23 +579,21 @@ ZORT_INLINE bool isFlippedBetter(const Search& search, unsigned int quantisation
 } // namespace
 
 template<ESimdLevel level, EtcMeasure measure>
-EtcCandidate searchDiffFlipFast(const unsigned char (&colours)[48])
+EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels)
 {
 	using W = Weights<measure>;
-	Search search;
-	loadPairs(colours, search.texels);
+	Search search(texels);
 
 	using Pairs = Lanes<std::int16_t, 8>;
-	const HalfColours sums = foldPairs(search.texels, [](Pairs a, Pairs b) { return a + b; });
-	const HalfColours least8 = foldPairs(search.texels, [](Pairs a, Pairs b) { return least(a, b); });
-	const HalfColours greatest8 = foldPairs(search.texels, [](Pairs a, Pairs b) { return greatest(a, b); });
+	const HalfColours sums = foldPairs(texels, [](Pairs a, Pairs b) { return a + b; });
+	const HalfColours least8 = foldPairs(texels, [](Pairs a, Pairs b) { return least(a, b); });
+	const HalfColours greatest8 = foldPairs(texels, [](Pairs a, Pairs b) { return greatest(a, b); });
 	Quad squares[4];
 	for (unsigned int column = 0; column < 4; ++column)
 	{
-		const Pairs redGreen = Pairs::load(search.texels.redGreen + column * 4);
-		const Pairs blue = Pairs::load(search.texels.blue + column * 4);
-		squares[column] = sumsOfProducts(redGreen * as<std::int16_t>(Quad::filled(pairOf(W::kRed, W::kGreen))), redGreen) +
-		                  sumsOfProducts(blue * Pairs::filled(W::kBlue), blue);
+		const Pairs redGreen = Pairs::load(texels.redGreen + column * 4);
+		const Pairs blue = Pairs::load(texels.blue + column * 4);
+		squares[column] = sumsOfProducts(W::redGreen(redGreen), redGreen) + sumsOfProducts(W::blue(blue), blue);
 	}
 	foldHalves(squares[0], squares[1], squares[2], squares[3], [](Quad a, Quad b) { return a + b; }).store(search.squares);
 
@@ -652,7 +628,7 @@ EtcCandidate searchDiffFlipFast(const unsigned char (&colours)[48])
 		const unsigned int half = isFlipped[quantisation] ? Top : Left;
 		totals[quantisation] = search.leastSums[quantisation][half] + search.leastSums[quantisation][half + 1];
 	}
-	if (measure == EtcMeasure::Plain || W::reach(totals[0]) < totals[1] || W::reach(totals[1]) < totals[0])
+	if (measure == EtcMeasure::Plain || reachOfSum<measure>(totals[0]) < totals[1] || reachOfSum<measure>(totals[1]) < totals[0])
 	{
 		const unsigned int winner = totals[1] < totals[0] ? 1 : 0;
 		return resolveBlock<measure>(search, winner, isFlipped[winner]);
@@ -667,6 +643,6 @@ EtcCandidate searchDiffFlipFast(const unsigned char (&colours)[48])
 	return joint.error <= average.error ? joint : average;
 }
 
-template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Plain>(const unsigned char (&)[48]);
-template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Perceptual>(const unsigned char (&)[48]);
+template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Plain>(const EtcTexelPairs&);
+template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Perceptual>(const EtcTexelPairs&);
 } // namespace zortexture

@@ -17,6 +17,24 @@ enum class EtcMeasure
 	Perceptual
 };
 
+/// The texels of a block as the vector searches read them: texel (x, y) stands at x*4 + y, the order of the stored index bits, as the pairs
+/// (R, G) and (B, 0) of 16-bit numbers.
+///
+/// An error |t - c|^2 is |t|^2 - 2 t.c + |c|^2. The first term is the same for all colours c, so that a search needs two sums of products a
+/// colour for the rest; they take the texels times -2.
+struct EtcTexelPairs
+{
+	alignas(32) std::int32_t redGreen[16];
+	alignas(32) std::int32_t blue[16];
+	alignas(32) std::int32_t redGreenFactor[16];
+	alignas(32) std::int32_t blueFactor[16];
+};
+
+constexpr int pairOf(int first, int second)
+{
+	return static_cast<int>(static_cast<unsigned int>(second) << 16 | (static_cast<unsigned int>(first) & 0xFFFF));
+}
+
 /// A block and its error in integers of the measure.
 struct EtcCandidate
 {
@@ -28,8 +46,52 @@ struct EtcCandidate
 	bool isOpen;
 };
 
-/// The better of the individual and differential blocks by averages and by joint quantisation, words as stored. `colours` are 16 texels
-/// R, G, B in rows.
+/// The better of the individual and differential blocks by averages and by joint quantisation, words as stored.
 template<ESimdLevel level, EtcMeasure measure>
-EtcCandidate searchDiffFlipFast(const unsigned char (&colours)[48]);
+EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels);
+
+/// The planar block by least squares.
+struct EtcPlanarFit
+{
+	unsigned int levels[3][3]; ///< By channel, of 6 bits and in green of 7: at the origin, to the right, and down.
+	unsigned int error;
+};
+template<ESimdLevel level, EtcMeasure measure>
+EtcPlanarFit fitPlanarFast(const EtcTexelPairs& texels);
+
+/// The clusterings by their space and by what they do when an error is met again.
+enum class EtcClustering
+{
+	HalfIntensityFast,
+	NotIntensityFast,
+	Fast,
+	NotIntensity,
+	All
+};
+
+/// Two colours in 8 bits. `colours` are 16 texels R, G, B in rows.
+template<ESimdLevel level, EtcClustering clustering>
+void clusterColoursFast(const unsigned char (&colours)[48], unsigned char (&pair)[2][3]);
+
+/// Sums of the weighted squares (see EtcTexelLanes.h) for two colours, by distance: of the H block, and of the T blocks whose second
+/// colour, or first colour, carries the distance. In the plain measure they are the errors.
+struct EtcPaintSums
+{
+	alignas(32) std::int32_t h[8];
+	alignas(32) std::int32_t t[2][8];
+};
+template<ESimdLevel level, EtcMeasure measure>
+void sumPaintsFast(const EtcTexelPairs& texels, const unsigned char (&pair)[2][3], EtcPaintSums& sums);
+
+/// The error of four paint colours, the lowest index on a tie; `indices` is the stored word.
+template<ESimdLevel level, EtcMeasure measure>
+unsigned int matchPaintsFast(const EtcTexelPairs& texels, const unsigned char (&paint)[4][3], unsigned int& indices);
+
+/// The greatest sum of weighted squares that may belong to an error as small as that of the sum `least`. The perceptual weights of the sums
+/// stand to the true ones as 183.94 to 184.22 does to 1, so that a sum that is greater by more than 1/512 belongs to the greater error.
+template<EtcMeasure measure>
+constexpr int reachOfSum(int least)
+{
+	return measure == EtcMeasure::Plain ? least : least + (least >> 9) + 1;
+}
 } // namespace zortexture

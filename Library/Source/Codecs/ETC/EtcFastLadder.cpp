@@ -1,7 +1,16 @@
 /// @file EtcFastLadder.cpp
 /// The fast levels on vector units: the choices of EtcLadder.cpp, made of what the vector searches tell.
+///
+/// No candidate is decoded: its error is known from the search. Perceptual errors are compared as the integers that they are thousandths
+/// of; only where two of these are equal can the roundings of the floating-point errors matter, and then both blocks are decoded.
+#include <cstring>
+#include <utility>
+
 #include "Codecs/ETC/EtcFastKernels.h"
+#include "Codecs/ETC/EtcFastSearch.h"
 #include "Codecs/ETC/EtcLadder.h"
+#include "Codecs/ETC/EtcPlanarCorners.h"
+#include "Codecs/ETC/EtcThSearch.h"
 #include "ZORTDefines.h"
 
 #if ZORT_HAS_SIMD
@@ -10,28 +19,383 @@ namespace zortexture
 {
 namespace
 {
-template<ESimdLevel level, EtcMeasure measure>
-EtcCandidate diffFlip(const TexelBlock& texels)
+EtcTexelPairs pairsOf(const TexelBlock& block)
 {
-	return searchDiffFlipFast<level, measure>(texels.colours);
+	EtcTexelPairs texels;
+	for (int y = 0; y < 4; ++y)
+	{
+		for (int x = 0; x < 4; ++x)
+		{
+			const unsigned char* texel = block.colours + y * 12 + x * 3;
+			const int red = texel[0];
+			const int green = texel[1];
+			const int blue = texel[2];
+			texels.redGreen[x * 4 + y] = pairOf(red, green);
+			texels.blue[x * 4 + y] = blue;
+			texels.redGreenFactor[x * 4 + y] = pairOf(-2 * red, -2 * green);
+			texels.blueFactor[x * 4 + y] = pairOf(-2 * blue, 0);
+		}
+	}
+	return texels;
+}
+
+/// Both colours of a T or H candidate, in 4 bits, in the order of the block.
+struct PackedPair
+{
+	EtcColourPair colours;
+};
+
+PackedPair packedPair(const EtcColourPair& colours)
+{
+	PackedPair packed;
+	compressColor(4, 4, 4, colours, packed.colours);
+	return packed;
+}
+
+PackedPair sortedPair(PackedPair packed)
+{
+	sortColorsRGB444(packed.colours);
+	return packed;
+}
+
+/// The block that a fast search builds up.
+template<ESimdLevel level, EtcMeasure measure>
+class CFastLadder
+{
+public:
+	explicit CFastLadder(const TexelBlock& block) : m_block(block), m_texels(pairsOf(block))
+	{
+	}
+
+	/// The step of ETC1. False if only the plain form can tell.
+	bool searchDiffFlip()
+	{
+		m_best = searchDiffFlipFast<level, measure>(m_texels);
+		return !m_best.isOpen;
+	}
+
+	/// The candidate to go on from, words as stored.
+	void startFrom(const EtcCandidate& best)
+	{
+		m_best = best;
+	}
+
+	/// Planar, T and H, and the wider search of T or H if that mode won.
+	void tryFurtherModes()
+	{
+		if (m_best.error == 0)
+		{
+			return; // nothing can be strictly better
+		}
+		tryPlanar();
+
+		EtcColourPair colours;
+		clusterColoursFast<level, EtcClustering::HalfIntensityFast>(m_block.colours, colours);
+		const PackedPair packed = packedPair(colours);
+		const PackedPair sorted = sortedPair(packed);
+		EtcPaintSums sums;
+		sumPaints<measure>(packed, sums);
+		const bool isT = tryT(packed, sums);
+		if (std::memcmp(packed.colours[0], packed.colours[1], sizeof(packed.colours[0])) == 0)
+		{
+			sumPaints<measure>(sorted, sums); // pulled apart
+		}
+		const bool isH = tryH(sorted, sums);
+		if (isH)
+		{
+			refineH();
+		}
+		else if (isT)
+		{
+			refineT(packed);
+		}
+	}
+
+	void give(unsigned int& word1, unsigned int& word2) const
+	{
+		word1 = m_best.word1;
+		word2 = m_best.word2;
+	}
+
+private:
+	/// The error of a block as the plain ladder measures it.
+	[[nodiscard]] double measuredError(const EtcCandidate& candidate) const
+	{
+		unsigned char decoded[16 * 3];
+		decompressBlockETC2(candidate.word1, candidate.word2, decoded, 4, 0, 0);
+		return calcBlockPerceptualErrorRGB(m_block.colours, decoded, 4, 0, 0) * 1000.0;
+	}
+
+	/// Takes the candidate if it is strictly better.
+	bool keepIfBetter(const EtcCandidate& candidate)
+	{
+		bool isBetter = candidate.error < m_best.error;
+		if (measure == EtcMeasure::Perceptual && candidate.error == m_best.error)
+		{
+			isBetter = measuredError(candidate) < measuredError(m_best);
+		}
+		if (isBetter)
+		{
+			m_best = candidate;
+		}
+		return isBetter;
+	}
+
+	void tryPlanar()
+	{
+		const EtcPlanarFit fit = fitPlanarFast<level, measure>(m_texels);
+		if (fit.error > m_best.error)
+		{
+			return;
+		}
+		const auto corners = [&fit](unsigned int channel)
+		{
+			return PlanarCorners{fit.levels[channel][0], fit.levels[channel][1], fit.levels[channel][2]};
+		};
+		EtcCandidate planar{0, 0, fit.error, false};
+		unsigned int packed1 = 0;
+		unsigned int packed2 = 0;
+		packPlanarCorners(corners(0), corners(1), corners(2), packed1, packed2);
+		stuff57bits(packed1, packed2, planar.word1, planar.word2);
+		keepIfBetter(planar);
+	}
+
+	template<EtcMeasure m>
+	void sumPaints(const PackedPair& packed, EtcPaintSums& sums) const
+	{
+		EtcColourPair colours;
+		decompressColor(4, 4, 4, packed.colours, colours);
+		sumPaintsFast<level, m>(m_texels, colours, sums);
+	}
+
+	/// Whether the error of the sum is certainly above the best one.
+	template<EtcMeasure m>
+	[[nodiscard]] bool isBeyond(int sum) const
+	{
+		if constexpr (m == EtcMeasure::Plain)
+		{
+			return static_cast<unsigned int>(sum) > m_best.error;
+		}
+		else
+		{
+			// Thousandths of the error are at least 1000 / 184.22 of the sum.
+			return static_cast<std::uint64_t>(sum) * 100000 > static_cast<std::uint64_t>(m_best.error) * 18422;
+		}
+	}
+
+	template<EtcMeasure m>
+	EtcCandidate tCandidate(PackedPair packed, bool isSwapped, unsigned int distance) const
+	{
+		if (isSwapped)
+		{
+			swapColors(packed.colours);
+		}
+		EtcColourPair colours;
+		EtcPaintColours paint;
+		decompressColor(4, 4, 4, packed.colours, colours);
+		paintColoursT(distance, colours, paint);
+		unsigned int indices = 0;
+		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices), false};
+		stuff59bits(packRgb444(packed.colours[0]) << 15 | packRgb444(packed.colours[1]) << 3 | distance, indices, candidate.word1,
+		            candidate.word2);
+		return candidate;
+	}
+
+	template<EtcMeasure m>
+	EtcCandidate hCandidate(const PackedPair& sorted, unsigned int distance) const
+	{
+		EtcColourPair colours;
+		EtcPaintColours paint;
+		decompressColor(4, 4, 4, sorted.colours, colours);
+		paintColoursH(distance, colours, paint);
+		unsigned int indices = 0;
+		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices), false};
+		unsigned int first = packRgb444(sorted.colours[0]);
+		unsigned int second = packRgb444(sorted.colours[1]);
+		if ((distance & 1) != 0)
+		{
+			// The order of the colours stores the low bit; indices 0, 1 and 2, 3 change places with them.
+			std::swap(first, second);
+			indices ^= 0xFFFF0000;
+		}
+		stuff58bits(first << 14 | second << 2 | distance >> 1, indices, candidate.word1, candidate.word2);
+		return candidate;
+	}
+
+	/// The best of candidates by their sums, in order, the first on a tie; false if none can be better than the best block. `candidate`
+	/// makes the block of a number.
+	template<EtcMeasure m, unsigned int Count, typename Make>
+	bool chooseCandidate(const std::int32_t (&sums)[Count], Make&& makeCandidate, EtcCandidate& chosen) const
+	{
+		int least = sums[0];
+		unsigned int first = 0;
+		for (unsigned int i = 1; i < Count; ++i)
+		{
+			first = sums[i] < least ? i : first;
+			least = sums[i] < least ? sums[i] : least;
+		}
+		if (isBeyond<m>(least))
+		{
+			return false;
+		}
+		if constexpr (m == EtcMeasure::Plain)
+		{
+			chosen = makeCandidate(first);
+		}
+		else
+		{
+			bool isFirst = true;
+			for (unsigned int i = 0; i < Count; ++i)
+			{
+				if (sums[i] <= reachOfSum<m>(least))
+				{
+					const EtcCandidate candidate = makeCandidate(i);
+					if (isFirst || candidate.error < chosen.error)
+					{
+						chosen = candidate;
+					}
+					isFirst = false;
+				}
+			}
+		}
+		return true;
+	}
+
+	template<EtcMeasure m>
+	bool chooseT(const PackedPair& packed, const EtcPaintSums& sums, EtcCandidate& chosen) const
+	{
+		std::int32_t both[16];
+		std::memcpy(both, sums.t, sizeof(both));
+		return chooseCandidate<m>(
+		    both, [&](unsigned int i) { return tCandidate<m>(packed, i >= 8, i % 8); }, chosen);
+	}
+
+	bool tryT(const PackedPair& packed, const EtcPaintSums& sums)
+	{
+		EtcCandidate candidate;
+		return chooseT<measure>(packed, sums, candidate) && keepIfBetter(candidate);
+	}
+
+	bool tryH(const PackedPair& sorted, const EtcPaintSums& sums)
+	{
+		EtcCandidate candidate;
+		return chooseCandidate<measure>(
+		           sums.h, [&](unsigned int i) { return hCandidate<measure>(sorted, i); }, candidate) &&
+		       keepIfBetter(candidate);
+	}
+
+	/// The wider searches are plain ones in both measures, and their result is compared in plain squares also with a best one of the other
+	/// scale; see EtcLadder.cpp.
+	struct Refinement
+	{
+		bool isFound = false;
+		EtcCandidate candidate{};
+	};
+
+	void refine(Refinement& refinement, const EtcCandidate& candidate) const
+	{
+		if (!refinement.isFound || candidate.error < refinement.candidate.error)
+		{
+			refinement.isFound = true;
+			refinement.candidate = candidate;
+		}
+	}
+
+	void keepRefinement(const Refinement& refinement)
+	{
+		if (!refinement.isFound)
+		{
+			return;
+		}
+		bool isBetter = refinement.candidate.error < m_best.error;
+		if (measure == EtcMeasure::Perceptual && refinement.candidate.error == m_best.error)
+		{
+			isBetter = refinement.candidate.error < measuredError(m_best);
+		}
+		if (isBetter)
+		{
+			m_best = refinement.candidate;
+		}
+	}
+
+	template<EtcClustering clustering>
+	PackedPair cluster() const
+	{
+		EtcColourPair colours;
+		clusterColoursFast<level, clustering>(m_block.colours, colours);
+		return packedPair(colours);
+	}
+
+	void refineT(const PackedPair& halfIntensity)
+	{
+		constexpr EtcMeasure kPlain = EtcMeasure::Plain;
+		const PackedPair pairs[3] = {cluster<EtcClustering::NotIntensityFast>(), halfIntensity, cluster<EtcClustering::Fast>()};
+		Refinement refinement;
+		for (const PackedPair& packed : pairs)
+		{
+			EtcPaintSums sums;
+			EtcCandidate candidate;
+			sumPaints<kPlain>(packed, sums);
+			if (chooseT<kPlain>(packed, sums, candidate))
+			{
+				refine(refinement, candidate);
+			}
+		}
+		keepRefinement(refinement);
+	}
+
+	void refineH()
+	{
+		constexpr EtcMeasure kPlain = EtcMeasure::Plain;
+		const PackedPair pairs[2] = {sortedPair(cluster<EtcClustering::NotIntensity>()), sortedPair(cluster<EtcClustering::All>())};
+		Refinement refinement;
+		for (const PackedPair& sorted : pairs)
+		{
+			EtcPaintSums sums;
+			EtcCandidate candidate;
+			sumPaints<kPlain>(sorted, sums);
+			if (chooseCandidate<kPlain>(
+			        sums.h, [&](unsigned int i) { return hCandidate<kPlain>(sorted, i); }, candidate))
+			{
+				refine(refinement, candidate);
+			}
+		}
+		keepRefinement(refinement);
+	}
+
+	const TexelBlock& m_block;
+	const EtcTexelPairs m_texels;
+	EtcCandidate m_best{};
+};
+
+/// False if the plain form has to be asked.
+template<ESimdLevel level, EtcMeasure measure>
+bool compress(const TexelBlock& block, unsigned int format, unsigned int& word1, unsigned int& word2)
+{
+	CFastLadder<level, measure> ladder(block);
+	if (!ladder.searchDiffFlip())
+	{
+		return false;
+	}
+	if (format != ePF_ETC1)
+	{
+		ladder.tryFurtherModes();
+	}
+	ladder.give(word1, word2);
+	return true;
 }
 } // namespace
 
 template<ESimdLevel level>
 void compressColoursFast(const TexelBlock& texels, unsigned int format, int quality, unsigned int& word1, unsigned int& word2)
 {
-	if (format == ePF_ETC1)
+	const bool isDone =
+	    format != ePF_ETC2_RGB_A1 && (quality == ETCQualityFast ? compress<level, EtcMeasure::Plain>(texels, format, word1, word2)
+	                                                            : compress<level, EtcMeasure::Perceptual>(texels, format, word1, word2));
+	if (!isDone)
 	{
-		const EtcCandidate best =
-		    quality == ETCQualityFast ? diffFlip<level, EtcMeasure::Plain>(texels) : diffFlip<level, EtcMeasure::Perceptual>(texels);
-		if (!best.isOpen)
-		{
-			word1 = best.word1;
-			word2 = best.word2;
-			return;
-		}
+		compressColoursFast<eSimdPlain>(texels, format, quality, word1, word2);
 	}
-	compressColoursFast<eSimdPlain>(texels, format, quality, word1, word2);
 }
 
 template void compressColoursFast<eSimdSse2>(const TexelBlock&, unsigned int, int, unsigned int&, unsigned int&);

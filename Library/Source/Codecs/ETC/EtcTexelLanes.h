@@ -1,8 +1,5 @@
 /// @file EtcTexelLanes.h
-/// The texels of a block for the vector searches. Included by sources named `*.simd.cpp` only.
-///
-/// An error |t - c|^2 is |t|^2 - 2 t.c + |c|^2. The first term is the same for all colours c, so that the searches compare the rest:
-/// two sums of products a colour, of the pairs (R, G) and (B, 0) as 16-bit numbers in one lane of 32 bits.
+/// What the vector searches share. Included by sources named `*.simd.cpp` only.
 #pragma once
 
 #include "Codecs/ETC/EtcFastKernels.h"
@@ -16,67 +13,56 @@ using Quad = Lanes<std::int32_t, 4>;
 /// Eight lanes of 32 bits take one register or two.
 constexpr unsigned int kParts = 32 / kLanesBytes;
 
-/// Integer weights of the squares of the channels. The perceptual ones are small enough for 16-bit products, and stand to the true ones as
-/// 183.94 to 184.22 does to 1: a sum of so weighted squares that is greater by more than 1/512 belongs to the greater error.
+/// Integer weights of the squares of the channels. The perceptual ones are small enough for 16-bit products: nearly 0.299, 0.587 and 0.114
+/// (see reachOfSum).
 template<EtcMeasure measure>
 struct Weights
 {
-	static constexpr int kRed = 1;
-	static constexpr int kGreen = 1;
-	static constexpr int kBlue = 1;
+	static constexpr int kRed = measure == EtcMeasure::Plain ? 1 : 55;
+	static constexpr int kGreen = measure == EtcMeasure::Plain ? 1 : 108;
+	static constexpr int kBlue = measure == EtcMeasure::Plain ? 1 : 21;
 
-	/// The greatest sum that may still belong to an error as small as the one of sum `least`.
-	ZORT_INLINE static int reach(int least)
+	/// Pairs times their weights.
+	template<unsigned int N>
+	ZORT_INLINE static Lanes<std::int16_t, N> redGreen(Lanes<std::int16_t, N> pairs)
 	{
-		return least;
+		return measure == EtcMeasure::Plain ? pairs : pairs * as<std::int16_t>(Lanes<std::int32_t, N / 2>::filled(pairOf(kRed, kGreen)));
 	}
-};
-template<>
-struct Weights<EtcMeasure::Perceptual>
-{
-	static constexpr int kRed = 55;
-	static constexpr int kGreen = 108;
-	static constexpr int kBlue = 21;
-
-	ZORT_INLINE static int reach(int least)
+	template<unsigned int N>
+	ZORT_INLINE static Lanes<std::int16_t, N> blue(Lanes<std::int16_t, N> pairs)
 	{
-		return least + (least >> 9) + 1;
+		return measure == EtcMeasure::Plain ? pairs : pairs * Lanes<std::int16_t, N>::filled(kBlue);
 	}
 };
 
-constexpr int pairOf(int first, int second)
+/// Colours in lanes, ready to be compared with texels.
+template<EtcMeasure measure>
+struct ColourLanes
 {
-	return static_cast<int>(static_cast<unsigned int>(second) << 16 | (static_cast<unsigned int>(first) & 0xFFFF));
-}
+	I16 redGreen; ///< Times their weights.
+	I16 blue;
+	I32 square; ///< |c|^2, weighted.
 
-/// Texel (x, y) stands at x*4 + y, the order of the stored index bits.
-struct TexelPairs
-{
-	alignas(32) std::int32_t redGreen[16];
-	alignas(32) std::int32_t blue[16];
-	/// The same times -2.
-	alignas(32) std::int32_t redGreenFactor[16];
-	alignas(32) std::int32_t blueFactor[16];
+	ZORT_INLINE static ColourLanes of(I16 redGreen, I16 blue)
+	{
+		const I16 weightedRedGreen = Weights<measure>::redGreen(redGreen);
+		const I16 weightedBlue = Weights<measure>::blue(blue);
+		return {weightedRedGreen, weightedBlue, sumsOfProducts(weightedRedGreen, redGreen) + sumsOfProducts(weightedBlue, blue)};
+	}
+
+	/// |c|^2 - 2 t.c, of texels times -2.
+	ZORT_INLINE I32 distance(I16 texelRedGreen, I16 texelBlue) const
+	{
+		return square + sumsOfProducts(texelRedGreen, redGreen) + sumsOfProducts(texelBlue, blue);
+	}
 };
 
-ZORT_INLINE void loadPairs(const unsigned char (&colours)[48], TexelPairs& texels)
+/// Channels that stop at the ends of their range.
+template<unsigned int N>
+ZORT_INLINE Lanes<std::int16_t, N> limited(Lanes<std::int16_t, N> channels)
 {
-	for (unsigned int y = 0; y < 4; ++y)
-	{
-		for (unsigned int x = 0; x < 4; ++x)
-		{
-			const unsigned char* texel = colours + y * 12 + x * 3;
-			texels.redGreen[x * 4 + y] = pairOf(texel[0], texel[1]);
-			texels.blue[x * 4 + y] = texel[2];
-		}
-	}
-	for (unsigned int i = 0; i < 16; i += I32::kCount)
-	{
-		const I16 redGreen = I16::load(texels.redGreen + i);
-		const I16 blue = I16::load(texels.blue + i);
-		(I16::filled(0) - redGreen - redGreen).store(texels.redGreenFactor + i);
-		(I16::filled(0) - blue - blue).store(texels.blueFactor + i);
-	}
+	using Channels = Lanes<std::int16_t, N>;
+	return least(greatest(channels, Channels::filled(0)), Channels::filled(255));
 }
 
 /// The least of four lanes.
@@ -99,14 +85,27 @@ ZORT_INLINE int sumOfLanes(Lanes<std::int32_t, 8> a)
 	return sumOfLanes(lower(a) + upper(a));
 }
 
-ZORT_INLINE int sumOfAllLanes(const I32 (&parts)[kParts])
+/// Sums of the squares of differences, channel by channel, for the exact perceptual error. `N` pairs at once.
+template<unsigned int N>
+struct ChannelSquares
 {
-	I32 sum = parts[0];
-	for (unsigned int part = 1; part < kParts; ++part)
+	using Sums = Lanes<std::int32_t, N>;
+	using Pairs = Lanes<std::int16_t, N * 2>;
+
+	Sums sums[3] = {Sums::filled(0), Sums::filled(0), Sums::filled(0)};
+
+	ZORT_INLINE void add(Pairs redGreen, Pairs blue)
 	{
-		sum += parts[part];
+		// Squares are below 65536: as 16-bit products they lack only their sign.
+		const Sums squares = as<std::int32_t>(redGreen * redGreen);
+		sums[0] += squares & Sums::filled(0xFFFF);
+		sums[1] += as<std::int32_t>(as<std::uint32_t>(squares) >> 16);
+		sums[2] += sumsOfProducts(blue, blue);
 	}
-	return sumOfLanes(sum);
-}
+	[[nodiscard]] ZORT_INLINE unsigned int perceptualError() const
+	{
+		return static_cast<unsigned int>(299 * sumOfLanes(sums[0]) + 587 * sumOfLanes(sums[1]) + 114 * sumOfLanes(sums[2]));
+	}
+};
 } // namespace
 } // namespace zortexture
