@@ -27,20 +27,4 @@ inline unsigned long long parseFormat(const std::string& text)
 	}
 	return id;
 }
-
-inline std::string formatText(unsigned long long id)
-{
-	if (id >> 32 == 0)
-	{
-		return "#" + std::to_string(id);
-	}
-	std::string letters;
-	std::string widths;
-	for (unsigned int i = 0; i < 4 && (id >> (8 * i) & 0xFF) != 0; ++i)
-	{
-		letters += static_cast<char>(id >> (8 * i));
-		widths += (i == 0 ? "" : ".") + std::to_string(id >> (8 * i + 32) & 0xFF);
-	}
-	return letters + widths;
-}
 } // namespace zortexture

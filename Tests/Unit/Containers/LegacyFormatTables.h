@@ -69,40 +69,4 @@ inline constexpr const char* kLegacyWriteText = R"(
 7 4 1 * 147=rgb5.6.5 168=bgr5.6.5 148=rgba5.5.5.1 169=bgra5.5.5.1 149=rgba4.4.4.4
 7 4 1 * 170=bgra4.4.4.4 161=argb4.4.4.4 178=abgr4.4.4.4 160=argb1.5.5.5 177=abgr1.5.5.5
 )";
-
-/// What comes back as something else than what went out, where the file's number can show it: number, format and type
-/// written (* for any type), format and type read; #51 is no format.
-inline constexpr const char* kLegacyAsymmetriesText = R"(
-0 argb4.4.4.4 8 argb4.4.4.4 4
-1 argb1.5.5.5 8 argb1.5.5.5 4
-2 rgb5.6.5 8 rgb5.6.5 4
-3 xrgb1.5.5.5 8 xrgb1.5.5.5 4
-6 argb8.3.3.2 8 argb8.3.3.2 4
-12 #0 * #1 0
-13 #2 * #3 0
-22 i8 0 l8 0
-23 ai8.8 0 la8.8 0
-24 #0 * #1 0
-25 #2 * #3 0
-32 #7 * #51 14
-33 #8 * #51 14
-34 #9 * #51 14
-35 #10 * #51 14
-36 #11 * #51 14
-44 abgr2.10.10.10 9 argb2.10.10.10 8
-52 rg32.32 12 gr32.32 12
-96 rgb11.11.10 12 bgr10.11.11 13
-128 #7 8 #51 14
-129 #7 8 #51 14
-130 #9 8 #51 14
-131 #9 8 #51 14
-132 #11 8 #51 14
-133 #11 8 #51 14
-134 #12 8 #51 14
-135 #12 9 #51 14
-136 #13 8 #51 14
-137 #13 9 #51 14
-170 bgra4.4.4.4 4 bgrx4.4.4.4 4
-178 abgr4.4.4.4 4 xbgr4.4.4.4 4
-)";
 } // namespace zortexture

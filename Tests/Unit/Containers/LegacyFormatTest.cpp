@@ -125,34 +125,4 @@ TEST(LegacyFormats, EveryCombinationHasItsNumberOrNone)
 		}
 	}
 }
-
-TEST(LegacyFormats, OnlyTheListedNumbersComeBackDifferently)
-{
-	std::set<std::string> found;
-	forEachEntry(kLegacyWriteText, 4,
-	             [&](const std::vector<std::string>& column, unsigned int number, const std::string& format)
-	             {
-		             // Where anything is written alike, the plainest is what is meant to come back.
-		             const unsigned int type = column[1] == "*" ? 0 : static_cast<unsigned int>(std::stoul(column[1]));
-		             const unsigned int space = column[2][0] == '1' ? 1 : 0;
-		             const Meaning meaning{parseFormat(format), type, space, column[3] == "1"};
-		             const unsigned int api = static_cast<unsigned int>(column[0][0] - '0');
-		             const auto [backFormat, backType, backSpace, backPreMultiplied] = meaningOf(numberOf(meaning, api));
-		             if (Meaning(backFormat, backType, backSpace, backPreMultiplied) != meaning)
-		             {
-			             found.insert(std::to_string(number) + " " + format + " " + column[1] + " " + formatText(backFormat) + " " +
-			                          std::to_string(backType));
-		             }
-	             });
-	std::set<std::string> listed;
-	std::istringstream lines(kLegacyAsymmetriesText);
-	for (std::string line; std::getline(lines, line);)
-	{
-		if (!line.empty())
-		{
-			listed.insert(line);
-		}
-	}
-	EXPECT_EQ(found, listed);
-}
 } // namespace
