@@ -27,7 +27,7 @@ run_benchmarks()
 }
 
 cmake --preset bench >/dev/null
-cmake --build --preset bench -j "$(nproc)" --target zort_benchmarks
+cmake --build --preset bench -j "$(nproc)" --target zort_benchmarks >/dev/null
 results=(out/benchmarks.json)
 if [ -n "$against" ]; then
 	# The older library under the present benchmarks.
@@ -38,9 +38,9 @@ if [ -n "$against" ]; then
 	rm -rf "$older/source/Benchmarks"
 	cp -r Benchmarks "$older/source/Benchmarks"
 	(cd "$older/source" && cmake --preset bench -B "$older/build" >/dev/null)
-	cmake --build "$older/build" -j "$(nproc)" --target zort_benchmarks
-	git worktree remove --force "$older/source"
+	cmake --build "$older/build" -j "$(nproc)" --target zort_benchmarks >/dev/null
 	run_benchmarks "$older/build" out/benchmarks-before.json
+	git worktree remove --force "$older/source"
 	results+=(out/benchmarks-before.json)
 fi
 run_benchmarks build/bench out/benchmarks.json
