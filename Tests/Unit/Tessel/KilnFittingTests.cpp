@@ -23,11 +23,16 @@ std::vector<int> tentShares(const KilnSettings& settings)
 	return shares;
 }
 
-/// @param weight  of B in eighths.
-void setInfluence(KilnFittingParams& params, int pixel, int share, int weight)
+int placeOf(int bpp, int pixel)
 {
-	params.influenceA[pixel] = static_cast<std::int16_t>(share * (8 - weight));
-	params.influenceB[pixel] = static_cast<std::int16_t>(share * weight);
+	return bpp == 4 ? kKilnPlaceOf4Bpp[static_cast<std::size_t>(pixel)] : pixel;
+}
+
+/// @param weight  of B in eighths.
+void setInfluence(KilnFittingParams& params, int place, int share, int weight)
+{
+	params.influenceA.setBoth(place, static_cast<unsigned>(share * (8 - weight)));
+	params.influenceB.setBoth(place, static_cast<unsigned>(share * weight));
 }
 
 KilnSettings settingsFor(int bpp)
@@ -51,11 +56,11 @@ Remainder remainderOf(const KilnFittingParams& params, const KilnFit& fit)
 	Remainder remainder;
 	for (int i = 0; i < kKilnMaxWindow; ++i)
 	{
-		const double u = params.influenceA[i] / 512.0;
-		const double v = params.influenceB[i] / 512.0;
+		const double u = params.influenceA.signedAt(i) / 512.0;
+		const double v = params.influenceB.signedAt(i) / 512.0;
 		for (int c = 0; c < 4; ++c)
 		{
-			const double left = params.residual[i][c] - u * fit.deltaA[c] - v * fit.deltaB[c];
+			const double left = params.residual[c / 2].signedAt(i, c % 2) - u * fit.deltaA[c] - v * fit.deltaB[c];
 			remainder.alongA[c] += u * left;
 			remainder.alongB[c] += v * left;
 		}
@@ -90,13 +95,16 @@ TEST(KilnFitting, StepsToTheLeastSquares)
 			for (int i = 0; i < settings.windowPixels(); ++i)
 			{
 				const int weight = one.weights[random() % one.weights.size()];
-				setInfluence(*params, i, random() % 5 != 0 ? shares[i] : 0, weight);
-				for (std::int16_t& channel : params->residual[i])
+				const int place = placeOf(bpp, i);
+				setInfluence(*params, place, random() % 5 != 0 ? shares[i] : 0, weight);
+				const auto channel = [&random]
 				{
-					channel = static_cast<std::int16_t>(static_cast<int>(random() % 511) - 255);
-				}
+					return random() % 511 - 255;
+				};
+				params->residual[0].set(place, channel(), channel());
+				params->residual[1].set(place, channel(), channel());
 			}
-			const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
+			const KilnFit fit = FitOnlyCentralRepPairsToWeights(kilnKernels(), settings, *params);
 			ASSERT_EQ(fit.kind, one.kind);
 			const Remainder remainder = remainderOf(*params, fit);
 			for (int c = 0; c < 4; ++c)
@@ -130,15 +138,16 @@ TEST(KilnFitting, PixelsOfOneWeightAreCollinear)
 	double shares = 0;
 	for (int i = 0; const int share : tentShares(settings))
 	{
-		setInfluence(*params, i++, share, 3);
+		setInfluence(*params, placeOf(4, i++), share, 3);
 		shares += share / 64.0 * share / 64;
 	}
 	// One pixel in the middle, u = 5/8 and v = 3/8: with a residual of 16, Ru = 10 and Rv = 6.
-	params->residual[40] = {16, -16, 0, 8};
+	params->residual[0].set(placeOf(4, 40), 16, static_cast<unsigned>(-16));
+	params->residual[1].set(placeOf(4, 40), 0, 8);
 	const double uu = shares * 25 / 64;
 	const double uv = shares * 15 / 64;
 	const double vv = shares * 9 / 64;
-	const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
+	const KilnFit fit = FitOnlyCentralRepPairsToWeights(kilnKernels(), settings, *params);
 	EXPECT_EQ(fit.kind, 3);
 	EXPECT_NEAR(fit.deltaA[0], 10 / vv - 6 * uv / vv, 1e-4);
 	EXPECT_NEAR(fit.deltaB[0], 6 * uu / vv - 10 * uv / vv, 1e-4);
@@ -150,8 +159,9 @@ TEST(KilnFitting, NothingToFitMovesNothing)
 {
 	const KilnSettings settings = settingsFor(4);
 	const auto params = std::make_unique<KilnFittingParams>();
-	params->residual[40] = {100, 100, 100, 100};
-	const KilnFit fit = FitOnlyCentralRepPairsToWeights(settings, *params);
+	params->residual[0].setBoth(placeOf(4, 40), 100);
+	params->residual[1].setBoth(placeOf(4, 40), 100);
+	const KilnFit fit = FitOnlyCentralRepPairsToWeights(kilnKernels(), settings, *params);
 	EXPECT_EQ(fit.kind, 1);
 	EXPECT_EQ(fit.deltaA, KilnColourF{});
 	EXPECT_EQ(fit.deltaB, KilnColourF{});

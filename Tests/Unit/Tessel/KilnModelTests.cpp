@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
@@ -11,6 +12,9 @@
 #include "Codecs/Tessel/kiln/decompress.h"
 #include "Codecs/Tessel/kiln/packing.h"
 #include "Codecs/Tessel/kiln/palettetables.h"
+#include "Simd/SimdLevels.h"
+
+using namespace zortexture;
 
 namespace
 {
@@ -155,12 +159,13 @@ Packed pack(const Scene& scene, std::mt19937& random)
 	packed.blocks = randomBlocks(settings, random);
 	const int linear = scene.tessel2 || !isPowerOfTwo(scene.blocksX) || !isPowerOfTwo(scene.blocksY) ? 1 : 0;
 	std::vector<std::uint32_t> data(static_cast<std::size_t>(2 * settings.blocksX * settings.blocksY));
+	const auto space = std::make_unique<KilnPackingSpace>(settings);
 	for (int y = 0; y < settings.blocksY; ++y)
 	{
 		for (int x = 0; x < settings.blocksX; ++x)
 		{
 			KilnErrors errors;
-			const KilnWords words = PackLocalBlock(packed.source, settings, packed.blocks, x, y, &errors);
+			const KilnWords words = PackLocalBlock(*space, packed.source, settings, packed.blocks, x, y, &errors);
 			const auto place = TwiddleUV(static_cast<unsigned>(settings.blocksY), static_cast<unsigned>(settings.blocksX),
 			                             static_cast<unsigned>(y), static_cast<unsigned>(x), linear);
 			data[2 * place] = words.modulation;
@@ -307,29 +312,126 @@ TEST(KilnModel, KnowsItsErrorAt2Bpp)
 
 namespace
 {
+constexpr ESimdLevel kEveryLevel[] = {eSimdPlain, eSimdSse2, eSimdAvx2};
+
 /// The window of the middle one of 3 by 3 random blocks.
 struct RandomWindow
 {
+	KilnSettings settings;
 	std::array<KilnColour, kKilnMaxWindow> pixels;
 	KilnNeighbourColours colours;
 	KilnBlendRecords records;
 	KilnWindowModel model;
+	int windowPixels;
 
 	RandomWindow(int bpp, bool tessel2, int round, std::mt19937& random)
 	{
 		const Scene scene = {bpp, tessel2, 3, 3, static_cast<Picture>(round % 4)};
-		const KilnSettings settings = settingsOf(scene);
+		settings = settingsOf(scene);
+		windowPixels = settings.windowPixels();
 		CopyWindow(drawImage(scene, settings, random), settings, 1, 1, pixels.data());
 		KilnNeighbourModes modes;
 		GatherNeighbours(randomBlocks(settings, random), settings, 1, 1, colours, modes);
-		CreateBlendingAndUpdateWeights(modes, tessel2 ? round % 8 : 0, settings, records);
+		const int variant = tessel2 ? round % 8 : 0;
+		CreateBlendingAndUpdateWeights(modes, variant, settings, records);
 		// The pair of the block is given with each evaluation, whatever stands in its place.
 		KilnNeighbourColours around = colours;
 		around[4] = {};
-		PrepareWindowModel(records, pixels.data(), around, true, model);
+		const unsigned flags = kilnHardFlags(modes, variant, bpp);
+		InitialiseWindowModel(settings, model);
+		kilnSetTargets(settings, pixels.data(), bpp == 4, model);
+		kilnSetSurroundings(settings, around, flags, model);
+		kilnSetKinds(settings, pixels.data(), around, modes, flags, model);
+		model.rimError = bpp == 4 ? kilnKernels().rimError4Bpp(model) : 0;
 	}
 };
+
+/// An evaluation of a window, with all that it tells.
+struct Evaluation
+{
+	KilnErrors errors;
+	KilnFittingParams params;
+	KilnNormalSums sums;
+
+	Evaluation(const RandomWindow& window, const KilnRegionPlaces* regions, ESimdLevel level)
+	{
+		const ForcedSimdLevel forced(level);
+		const KilnKernelTable kernels = kilnKernels();
+		const KilnPair& pair = window.colours[4];
+		InitialisePackedFittingParams(params);
+		if (window.settings.bpp == 2)
+		{
+			kernels.evaluate2Bpp(window.model, pair, kKilnIndices, params, errors);
+			kernels.sumNormalEquations(params, 16, 144, sums);
+			return;
+		}
+		EvalAllCandsAndGetErrors4BPP(kernels, window.model, pair, regions, UINT64_MAX, kKilnIndices, params, errors);
+		EvalAllCandsAndGetErrors4BPP(kernels, window.model, pair, regions, UINT64_MAX, kKilnForFit, params, errors);
+		kernels.sumNormalEquations(params, 0, 64, sums);
+	}
+};
+
+void expectEqualRows(const KilnRow& a, const KilnRow& b, const RandomWindow& window)
+{
+	const bool is4Bpp = window.settings.bpp == 4;
+	for (int place = 0; place < (is4Bpp ? kKilnInnerPixels : window.windowPixels); ++place)
+	{
+		ASSERT_EQ(a.at(place, 0), b.at(place, 0)) << place;
+		ASSERT_EQ(a.at(place, 1), b.at(place, 1)) << place;
+	}
+}
+
+void expectEqual(const Evaluation& a, const Evaluation& b, const RandomWindow& window)
+{
+	EXPECT_EQ(a.errors.own, b.errors.own);
+	EXPECT_EQ(a.errors.outer, b.errors.outer);
+	EXPECT_EQ(a.errors.rim, b.errors.rim);
+	EXPECT_EQ(a.errors.total, b.errors.total);
+	expectEqualRows(a.params.influenceA, b.params.influenceA, window);
+	expectEqualRows(a.params.influenceB, b.params.influenceB, window);
+	expectEqualRows(a.params.residual[0], b.params.residual[0], window);
+	expectEqualRows(a.params.residual[1], b.params.residual[1], window);
+	expectEqualRows(a.params.indices, b.params.indices, window);
+	expectEqualRows(a.params.weights, b.params.weights, window);
+	EXPECT_EQ(std::memcmp(&a.sums, &b.sums, sizeof(a.sums)), 0);
+}
+
+/// The window in regions of so many pixels, in an order of their own.
+KilnRegions regionsOf(int size)
+{
+	KilnRegions regions;
+	for (int i = 0; i < kKilnWindow4Bpp; ++i)
+	{
+		const int pixel = i * 64 % kKilnWindow4Bpp;
+		regions.order[i] = static_cast<std::uint8_t>(pixel);
+		regions.map[pixel] = static_cast<std::uint8_t>(i / size);
+	}
+	return regions;
+}
 } // namespace
+
+TEST(KilnModel, EveryVectorUnitGivesWhatThePlainFormGives)
+{
+	std::mt19937 random(16);
+	for (int round = 0; round < 200; ++round)
+	{
+		for (const int bpp : {4, 2})
+		{
+			const RandomWindow window(bpp, round % 2 == 0, round / 2, random);
+			const Evaluation plain(window, nullptr, eSimdPlain);
+			const KilnRegionPlaces regions = kilnRegionPlaces(regionsOf(1 + round % 20));
+			const Evaluation plainRegions(window, &regions, eSimdPlain);
+			for (const ESimdLevel level : kVectorLevels)
+			{
+				SCOPED_TRACE(testing::Message() << bpp << " bpp, level " << level << ", round " << round);
+				expectEqual(Evaluation(window, nullptr, level), plain, window);
+				expectEqual(Evaluation(window, &regions, level), plainRegions, window);
+				const ForcedSimdLevel forced(level);
+				EXPECT_EQ(bpp == 4 ? kilnKernels().rimError4Bpp(window.model) : 0, plain.errors.rim);
+			}
+		}
+	}
+}
 
 TEST(KilnModel, WindowAgreesWithItsPixels)
 {
@@ -337,11 +439,7 @@ TEST(KilnModel, WindowAgreesWithItsPixels)
 	for (int round = 0; round < 400; ++round)
 	{
 		const RandomWindow window(4, round % 2 == 0, round / 2, random);
-		KilnFittingParams params;
-		InitialisePackedFittingParams(params);
-		KilnErrors errors;
-		EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, UINT64_MAX, params, errors);
-
+		const Evaluation found(window, nullptr, eSimdPlain);
 		std::array<std::uint64_t, 3> sums = {};
 		for (int pixel = 0; pixel < kKilnWindow4Bpp; ++pixel)
 		{
@@ -354,27 +452,33 @@ TEST(KilnModel, WindowAgreesWithItsPixels)
 			{
 				continue;
 			}
-			ASSERT_EQ(params.results[pixel].index, index);
+			const int place = kKilnPlaceOf4Bpp[pixel];
+			ASSERT_EQ(static_cast<int>(found.params.indices.at(place)), index);
 			if (record.punchThrough && index == 2)
 			{
-				ASSERT_EQ(params.influenceA[pixel], 0);
-				ASSERT_EQ(params.influenceB[pixel], 0);
+				ASSERT_EQ(found.params.influenceA.at(place), 0U);
+				ASSERT_EQ(found.params.influenceB.at(place), 0U);
 			}
 			for (int c = 0; c < 4; ++c)
 			{
-				ASSERT_EQ(params.residual[pixel][c], target[c] - decoded[c]);
+				ASSERT_EQ(found.params.residual[c / 2].signedAt(place, c % 2), target[c] - decoded[c]);
 			}
 		}
-		EXPECT_EQ(errors.own, sums[kKilnOwn]);
-		EXPECT_EQ(errors.outer, sums[kKilnOuter]);
-		EXPECT_EQ(errors.rim, sums[kKilnRim]);
+		EXPECT_EQ(found.errors.own, sums[kKilnOwn]);
+		EXPECT_EQ(found.errors.outer, sums[kKilnOuter]);
+		EXPECT_EQ(found.errors.rim, sums[kKilnRim]);
 
 		// The evaluation stops early, and only then, at a limit.
-		KilnErrors limited;
-		EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, errors.total / 2, params, limited);
-		EXPECT_GE(limited.total, errors.total / 2);
-		EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, errors.total, params, limited);
-		EXPECT_EQ(limited.total, errors.total);
+		for (const ESimdLevel level : kEveryLevel)
+		{
+			const ForcedSimdLevel forced(level);
+			KilnFittingParams params;
+			KilnErrors limited;
+			kilnKernels().evaluate4Bpp(window.model, window.colours[4], found.errors.total / 2, kKilnErrorsAlone, params, limited);
+			EXPECT_GE(limited.total, found.errors.total / 2);
+			kilnKernels().evaluate4Bpp(window.model, window.colours[4], found.errors.total, kKilnErrorsAlone, params, limited);
+			EXPECT_EQ(limited.total, found.errors.total);
+		}
 	}
 }
 
@@ -387,19 +491,15 @@ TEST(KilnModel, LeftOutPixelsTakeTheMeanOfTheirNeighbours)
 	for (int round = 0; round < 100; ++round)
 	{
 		const RandomWindow window(2, round % 2 == 0, round / 2, random);
-		KilnFittingParams params;
-		InitialisePackedFittingParams(params);
-		KilnErrors errors;
-		EvalAllCandsAndGetErrors2BPP(window.model, window.colours[4], params, errors);
+		const Evaluation found(window, nullptr, eSimdPlain);
 		std::array<std::uint8_t, kKilnMaxWindow> weights = {};
 		for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
 		{
-			weights[pixel] = params.results[pixel].weight;
+			weights[pixel] = static_cast<std::uint8_t>(found.params.weights.at(pixel));
 		}
-		// The rim has no results.
-		for (int row = 2; row < kHeight - 2; ++row)
+		for (int row = 0; row < kHeight; ++row)
 		{
-			for (int column = 2; column < kWidth - 2; ++column)
+			for (int column = 0; column < kWidth; ++column)
 			{
 				const int pixel = row * kWidth + column;
 				const int storeClass = window.records.pixels[pixel].storeClass;
@@ -434,28 +534,16 @@ TEST(KilnModel, RegionsTakeOneIndex)
 		// Regions of 1, of 3 and of all pixels, in an order of their own.
 		for (const int size : {1, 3, kKilnWindow4Bpp})
 		{
-			KilnRegions regions;
-			for (int i = 0; i < kKilnWindow4Bpp; ++i)
-			{
-				const int pixel = i * 64 % kKilnWindow4Bpp;
-				regions.order[i] = static_cast<std::uint8_t>(pixel);
-				regions.map[pixel] = static_cast<std::uint8_t>(i / size);
-			}
-			KilnFittingParams params;
-			InitialisePackedFittingParams(params);
-			KilnErrors errors;
-			EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], &regions, UINT64_MAX, params, errors);
-			KilnErrors alone;
-			KilnFittingParams aloneParams;
-			InitialisePackedFittingParams(aloneParams);
-			EvalAllCandsAndGetErrors4BPP(window.model, window.colours[4], nullptr, UINT64_MAX, aloneParams, alone);
+			const KilnRegions regions = regionsOf(size);
+			const KilnRegionPlaces places = kilnRegionPlaces(regions);
+			const Evaluation together(window, &places, eSimdPlain);
+			const Evaluation alone(window, nullptr, eSimdPlain);
 			if (size == 1)
 			{
-				EXPECT_EQ(errors.total, alone.total);
-				EXPECT_EQ(params.residual, aloneParams.residual);
+				expectEqual(together, alone, window);
 				continue;
 			}
-			EXPECT_GE(errors.total, alone.total);
+			EXPECT_GE(together.errors.total, alone.errors.total);
 			for (int first = 0; first < kKilnWindow4Bpp; first += size)
 			{
 				int index = -1;
@@ -464,8 +552,9 @@ TEST(KilnModel, RegionsTakeOneIndex)
 					const int pixel = regions.order[i];
 					if (window.records.pixels[pixel].pixelClass != kKilnRim)
 					{
-						index = index < 0 ? params.results[pixel].index : index;
-						ASSERT_EQ(params.results[pixel].index, index);
+						const int other = static_cast<int>(together.params.indices.at(kKilnPlaceOf4Bpp[pixel]));
+						index = index < 0 ? other : index;
+						ASSERT_EQ(other, index);
 					}
 				}
 			}
@@ -482,31 +571,25 @@ TEST(KilnModel, FitDataTellsTheInfluenceOfTheBlock)
 		const KilnSettings settings = settingsOf({4, true, 3, 3, Picture::eNoise});
 		KilnNeighbourModes modes;
 		std::generate(modes.begin(), modes.end(), [&random] { return static_cast<int>(random() % 4); });
-		KilnBlendRecords records;
-		CreateBlendingAndUpdateWeights(modes, round % 8, settings, records);
 		KilnNeighbourColours colours = {};
 		KilnWindowModel model;
 		const KilnColour grey = {128, 128, 128, 128};
 		std::array<KilnColour, kKilnMaxWindow> window;
 		window.fill(grey);
-		PrepareWindowModel(records, window.data(), colours, false, model);
+		const unsigned flags = kilnHardFlags(modes, round % 8, 4);
+		InitialiseWindowModel(settings, model);
+		kilnSetTargets(settings, window.data(), false, model);
+		kilnSetSurroundings(settings, colours, flags, model);
+		kilnSetKinds(settings, window.data(), colours, modes, flags, model);
 		KilnPair pair = {};
 		(round < 32 ? pair.a : pair.b) = {255, 255, 255, 255};
 		KilnFittingParams params;
-		InitialisePackedFittingParams(params);
 		KilnErrors errors;
-		EvalAllCandsAndGetErrors4BPP(model, pair, nullptr, UINT64_MAX, params, errors);
-		for (int pixel = 0; pixel < kKilnWindow4Bpp; ++pixel)
+		kilnKernels().evaluate4Bpp(model, pair, UINT64_MAX, kKilnForFit, params, errors);
+		for (int place = 0; place < kKilnInnerPixels; ++place)
 		{
-			const float expected = 255.0F / 512 * (round < 32 ? params.influenceA : params.influenceB)[pixel];
-			if (records.pixels[pixel].pixelClass == kKilnRim)
-			{
-				EXPECT_EQ(expected, 0);
-			}
-			else
-			{
-				EXPECT_NEAR(128 - params.residual[pixel][0], expected, 2) << pixel;
-			}
+			const float expected = 255.0F / 512 * static_cast<float>((round < 32 ? params.influenceA : params.influenceB).at(place));
+			EXPECT_NEAR(128 - params.residual[0].signedAt(place), expected, 2) << place;
 		}
 	}
 }

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -107,12 +108,13 @@ struct KilnRun
 	double error() const
 	{
 		double sum = 0;
+		const auto space = std::make_unique<KilnPackingSpace>(settings);
 		for (int y = 0; y < settings.blocksY; ++y)
 		{
 			for (int x = 0; x < settings.blocksX; ++x)
 			{
 				KilnErrors errors;
-				PackLocalBlock(image, settings, blocks, x, y, &errors);
+				PackLocalBlock(*space, image, settings, blocks, x, y, &errors);
 				sum += static_cast<double>(errors.own);
 			}
 		}
@@ -122,11 +124,12 @@ struct KilnRun
 	std::vector<std::uint32_t> words() const
 	{
 		std::vector<std::uint32_t> result;
+		const auto space = std::make_unique<KilnPackingSpace>(settings);
 		for (int y = 0; y < settings.blocksY; ++y)
 		{
 			for (int x = 0; x < settings.blocksX; ++x)
 			{
-				const KilnWords words = PackLocalBlock(image, settings, blocks, x, y);
+				const KilnWords words = PackLocalBlock(*space, image, settings, blocks, x, y);
 				result.push_back(words.modulation);
 				result.push_back(words.colours);
 			}

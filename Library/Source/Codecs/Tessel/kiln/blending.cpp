@@ -31,28 +31,6 @@ std::uint8_t pixelClassAt(int x, int y, int blockWidth)
 	return own ? kKilnOwn : kKilnOuter;
 }
 
-/// Store class and number of ends of a 2bpp pixel, at (x, y) of the window, of a block of the given mode.
-void setStoreClass(KilnBlendRecord& record, int mode, int x, int y)
-{
-	const int interpolation = mode & 3;
-	if (interpolation == 0)
-	{
-		record.storeClass = kKilnDirectPixel;
-		record.endsOnly = true;
-		return;
-	}
-	if (((x ^ y) & 1) != 0)
-	{
-		record.storeClass = static_cast<std::uint8_t>(kKilnLeftOut + interpolation - 1);
-		return;
-	}
-	record.storeClass = kKilnStored;
-	// The first pixel of a block always lends a bit of its index to the interpolation, the pixel on the centre if that has a direction.
-	const bool first = (x & 7) == 4 && (y & 3) == 2;
-	const bool onCentre = (x & 7) == 0 && (y & 3) == 0;
-	record.endsOnly = first || (onCentre && interpolation != 1);
-}
-
 void setPalette(KilnBlendRecord& record, int pixel)
 {
 	record.localPalette = true;
@@ -68,6 +46,7 @@ void setPalette(KilnBlendRecord& record, int pixel)
 		}
 	}
 }
+
 /// The record of a pixel whose P is hard or not, and whose own block has the given mode.
 KilnBlendRecord makeRecord(int bpp, int x, int y, bool hard, int mode)
 {
@@ -90,7 +69,9 @@ KilnBlendRecord makeRecord(int bpp, int x, int y, bool hard, int mode)
 	record.candidateWeights = kStandardWeights;
 	if (is2Bpp)
 	{
-		setStoreClass(record, mode, x, y);
+		const KilnStorage storage = kilnStorageOf(mode, x, y);
+		record.storeClass = storage.storeClass;
+		record.endsOnly = storage.endsOnly;
 	}
 	else if ((mode & 1) != 0 && !hard)
 	{
@@ -144,6 +125,23 @@ const RecordTable& recordTable(int bpp)
 	return bpp == 4 ? kTable4Bpp : kTable2Bpp;
 }
 } // namespace
+
+KilnStorage kilnStorageOf(int mode, int x, int y)
+{
+	const int interpolation = mode & 3;
+	if (interpolation == 0)
+	{
+		return {kKilnDirectPixel, true};
+	}
+	if (((x ^ y) & 1) != 0)
+	{
+		return {static_cast<KilnStoreClass>(kKilnLeftOut + interpolation - 1), false};
+	}
+	// The first pixel of a block always lends a bit of its index to the interpolation, the pixel on the centre if that has a direction.
+	const bool isFirst = (x & 7) == 4 && (y & 3) == 2;
+	const bool isOnCentre = (x & 7) == 0 && (y & 3) == 0;
+	return {kKilnStored, isFirst || (isOnCentre && interpolation != 1)};
+}
 
 void CreateBlendingAndUpdateWeights(const KilnNeighbourModes& modes, int hardVariant, const KilnSettings& settings,
                                     KilnBlendRecords& records)

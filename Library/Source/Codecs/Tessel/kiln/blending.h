@@ -73,6 +73,16 @@ struct KilnBlendRecords
 	std::array<KilnBlendRecord, kKilnMaxWindow> pixels;
 };
 
+/// How a 2bpp pixel is stored.
+struct KilnStorage
+{
+	KilnStoreClass storeClass;
+	bool endsOnly;
+};
+
+/// @param mode  of the block in which the pixel at (x, y) of the window lies.
+KilnStorage kilnStorageOf(int mode, int x, int y);
+
 /// Sets the records of a window.
 /// @param modes        of the nine blocks; the entry of the block itself is the mode to try.
 /// @param hardVariant  bits 0, 1 and 2 flip the hard flags of the neighbours up-left, up and left.

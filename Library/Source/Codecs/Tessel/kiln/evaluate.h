@@ -2,9 +2,8 @@
 /// What a block's window costs under a pair of colours, and the data from which the pair is fitted.
 #pragma once
 
-#include "analygrapprop.h"
-#include "blending.h"
-#include "kiln.h"
+#include "Simd/SimdLevel.h"
+#include "windowmodel.h"
 
 /// Errors by the class of the pixel.
 struct KilnErrors
@@ -19,125 +18,99 @@ struct KilnErrors
 	std::uint64_t rim = 0;
 };
 
-/// How a window pixel is encoded.
-struct KilnPixelResult
+/// What an evaluation tells of each place besides its errors.
+enum KilnDetail
 {
-	/// The index 0 to 3 of the candidate (a place among the palette choices for a palette pixel).
-	std::uint8_t index = 0;
-	/// The weight of B in eighths.
-	std::uint8_t weight = 0;
+	/// Nothing.
+	kKilnErrorsAlone,
+	/// The data of a fit.
+	kKilnForFit,
+	/// The indices.
+	kKilnIndices
 };
 
-/// The data of a fit, one entry a window pixel, 0 past the end. The block's colours enter a pixel by multiples of 1/512, so that all sums
-/// of a fit are whole numbers.
+/// How the places of a window are encoded, and the data of a fit. The block's colours enter a pixel by multiples of 1/512, so that all sums
+/// of a fit are whole numbers. Places behind those of the window are 0.
 struct KilnFittingParams
 {
-	static constexpr int kCapacity = 156;
-	/// By how many 512ths a step of A, or of B, moves the pixel. 0 for a palette pixel that shows a colour of another block and for one
-	/// that is decoded as punch-through.
-	alignas(16) std::array<std::int16_t, kCapacity> influenceA;
-	alignas(16) std::array<std::int16_t, kCapacity> influenceB;
+	/// By how many 512ths a step of A, or of B, moves the pixel, twice. 0 for a palette pixel that shows a colour of another block and for
+	/// one that is decoded as punch-through.
+	KilnRow influenceA;
+	KilnRow influenceB;
 	/// Pixel less decoded colour.
-	alignas(16) std::array<std::array<std::int16_t, 4>, kCapacity> residual;
-	/// The choices of the last evaluation.
-	std::array<KilnPixelResult, kKilnMaxWindow> results;
+	KilnRow residual[2];
+	/// The index 0 to 3 of the candidate (a place among the palette choices for a palette pixel; 0 for a pixel that is left out), twice.
+	KilnRow indices;
+	/// At 2bpp, the weight of B in eighths, twice.
+	KilnRow weights;
 };
 
 /// Everything to 0.
 void InitialisePackedFittingParams(KilnFittingParams& params);
 
-/// A pixel of a window model. Eight numbers are the channels of A and then of B, or those of the pixel twice.
-struct alignas(64) KilnPixelModel
+/// The sums over a window of influences and their products with one another and with the residuals, by channel.
+struct KilnNormalSums
 {
-	/// What the other eight blocks give, times their shares.
-	std::array<std::uint16_t, 8> around;
-	/// The share of the block itself.
-	std::array<std::uint16_t, 8> blockWeight;
-	/// The pixel.
-	std::array<std::uint16_t, 8> target;
-	/// How much a difference counts: 1, and kilnAlphaFactor for alpha.
-	std::array<std::uint16_t, 8> scale;
+	std::int32_t uu;
+	std::int32_t uv;
+	std::int32_t vv;
+	std::int32_t u[4];
+	std::int32_t v[4];
 };
 
-/// The colours of a palette pixel at candidates 0 and 3, then 1 and 2: fixed ones of other blocks, and where those of the block itself
-/// belong.
-struct KilnPaletteModel
+/// What the four candidates of a pixel cost.
+using KilnCosts = std::uint32_t[4];
+
+/// The work on all places of a window, in plain form and for every vector unit.
+template<zortexture::ESimdLevel level>
+struct KilnKernels
 {
-	std::array<std::array<std::uint16_t, 8>, 2> fixed;
-	std::array<std::array<std::uint16_t, 8>, 2> maskA;
-	std::array<std::array<std::uint16_t, 8>, 2> maskB;
+	/// Every pixel of a 4bpp window takes its best candidate.
+	/// @param limit  the evaluation may stop once the total reaches it; what it tells besides is then not to be used.
+	static void evaluate4Bpp(const KilnWindowModel& model, const KilnPair& pair, std::uint64_t limit, KilnDetail detail,
+	                         KilnFittingParams& params, KilnErrors& errors);
+	/// The least error of the rim of a 4bpp window.
+	static std::uint64_t rimError4Bpp(const KilnWindowModel& model);
+	/// The costs of all places of a 4bpp window but the rim.
+	static void cost4Bpp(const KilnWindowModel& model, const KilnPair& pair, KilnCosts* costs);
+	/// The data of a fit for given indices.
+	static void record4Bpp(const KilnWindowModel& model, const KilnPair& pair, KilnFittingParams& params);
+	/// Every pixel of a 2bpp window takes its best candidate: stored and direct pixels first, then those left out, whose residuals move
+	/// the targets of the stored ones for a second choice. The rim is not counted.
+	static void evaluate2Bpp(const KilnWindowModel& model, const KilnPair& pair, KilnDetail detail, KilnFittingParams& params,
+	                         KilnErrors& errors);
+	/// @param first, end  places, multiples of 16.
+	static void sumNormalEquations(const KilnFittingParams& params, int first, int end, KilnNormalSums& sums);
 };
 
-/// How a 4bpp pixel takes its candidates.
-enum KilnPixelKind : std::uint8_t
+/// The kernels of the vector unit in use.
+struct KilnKernelTable
 {
-	kKilnStandardPixel,
-	kKilnPunchThroughPixel,
-	/// Punch-through over a transparent pixel, which costs nothing.
-	kKilnFreePunchThroughPixel,
-	kKilnPalettePixel
+	decltype(&KilnKernels<zortexture::eSimdPlain>::evaluate4Bpp) evaluate4Bpp;
+	decltype(&KilnKernels<zortexture::eSimdPlain>::rimError4Bpp) rimError4Bpp;
+	decltype(&KilnKernels<zortexture::eSimdPlain>::cost4Bpp) cost4Bpp;
+	decltype(&KilnKernels<zortexture::eSimdPlain>::record4Bpp) record4Bpp;
+	decltype(&KilnKernels<zortexture::eSimdPlain>::evaluate2Bpp) evaluate2Bpp;
+	decltype(&KilnKernels<zortexture::eSimdPlain>::sumNormalEquations) sumNormalEquations;
 };
+KilnKernelTable kilnKernels();
 
-/// A 2bpp pixel that has an index.
-struct KilnStoredPixel
+/// The flat regions of a 4bpp window, less its rim: the places region by region, and where each region ends.
+struct KilnRegionPlaces
 {
-	std::uint8_t pixel;
-	bool endsOnly;
-	/// The pixels that are left out and read it, for which it makes up when it is chosen again; kKilnNoPixel for none. A pixel of a
-	/// direct block has none.
-	std::uint8_t readerCount;
-	std::array<std::uint8_t, 4> readers;
+	int count = 0;
+	std::array<std::uint8_t, kKilnInnerPixels> places;
+	std::array<std::uint8_t, kKilnInnerPixels> ends;
 };
+KilnRegionPlaces kilnRegionPlaces(const KilnRegions& regions);
 
-/// A 2bpp pixel that is left out.
-struct KilnLeftOutPixel
-{
-	std::uint8_t pixel;
-	/// The pixels whose mean is its weight, horizontal or vertical ones twice where there are only those.
-	std::array<std::uint8_t, 4> reads;
-};
+/// Evaluates the window of a 4bpp block under a pair of its own.
+/// @param regions  when not null, the pixels of a flat region take one index together (see analygrapprop.h), and there is no limit.
+void EvalAllCandsAndGetErrors4BPP(const KilnKernelTable& kernels, const KilnWindowModel& model, const KilnPair& pair,
+                                  const KilnRegionPlaces* regions, std::uint64_t limit, KilnDetail detail, KilnFittingParams& params,
+                                  KilnErrors& errors);
 
-constexpr std::uint8_t kKilnNoPixel = kKilnMaxWindow;
-
-/// A window as one mode of its block sees it, with all that stays as it is while the block's own pair moves. Prepared once, then
-/// evaluated under any number of pairs. The records must outlive it.
-struct KilnWindowModel
-{
-	const KilnBlendRecords* records = nullptr;
-	std::array<KilnPixelModel, kKilnMaxWindow> pixels;
-
-	// At 4bpp. An entry behind the window counts for nothing.
-	std::array<KilnPixelKind, kKilnWindow4Bpp + 1> kinds;
-	std::array<KilnPaletteModel, kKilnWindow4Bpp> palette;
-	/// The error of the rim, which no pair of the block can move; 0 if it is not to be counted.
-	std::uint64_t rimError = 0;
-
-	// At 2bpp. The stored pixels are filled up to a multiple of 4 by repeating the last.
-	int storedCount = 0;
-	int leftOutCount = 0;
-	std::array<KilnStoredPixel, kKilnMaxWindow + 3> stored;
-	std::array<KilnLeftOutPixel, kKilnMaxWindow> leftOut;
-};
-
-/// @param colours  of the nine blocks; that of the block itself is not used.
-/// @param withRim  count the rim of the window too; at 4bpp only.
-void PrepareWindowModel(const KilnBlendRecords& records, const KilnColour* window, const KilnNeighbourColours& colours, bool withRim,
-                        KilnWindowModel& model);
-
-/// The least error of the rim of a 4bpp window.
-std::uint64_t kilnRimError4Bpp(const KilnWindowModel& model);
-
-/// Evaluates the window of a 4bpp block under a pair of its own: every pixel takes its best candidate.
-/// @param regions  when not null, the pixels of a flat region take one index together (see analygrapprop.h).
-/// @param limit    the evaluation may stop once the total reaches it; the data of a fit is then not to be used.
-void EvalAllCandsAndGetErrors4BPP(const KilnWindowModel& model, const KilnPair& pair, const KilnRegions* regions, std::uint64_t limit,
-                                  KilnFittingParams& params, KilnErrors& errors);
-
-/// Evaluates the window of a 2bpp block under a pair of its own: stored and direct pixels first, then those left out, whose residuals
-/// move the targets of the stored ones for a second choice. The rim is not counted.
-void EvalAllCandsAndGetErrors2BPP(const KilnWindowModel& model, const KilnPair& pair, KilnFittingParams& params, KilnErrors& errors);
-
-/// The weight of a pixel that is left out, from its neighbours' weights in the window of 17 by 9.
+/// The weight of a 2bpp pixel that is left out, from its neighbours' weights in the window of 17 by 9.
 /// @param storeClass  2 four neighbours, 3 left and right, 4 above and below.
 /// @param weights     17 by 9 weights of 0 to 8. One above 8 ends the process with a message.
 int ComputeInterpolatedModVal(int storeClass, int row, int column, const std::uint8_t* weights);

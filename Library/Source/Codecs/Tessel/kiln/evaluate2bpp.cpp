@@ -1,8 +1,12 @@
+// The plain form of the work on a 2bpp window, place by place.
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 #include "evaluate.h"
-#include "pixelkernel.h"
+
+using namespace zortexture;
 
 namespace
 {
@@ -12,128 +16,118 @@ constexpr int kHeight = 9;
 /// The weight in eighths of an index; those above 3 are the middle values that interpolation can reach.
 constexpr std::array<std::uint8_t, 8> StdWeightMapU8 = {0, 3, 5, 8, 1, 2, 6, 7};
 
-/// Lanes of A's and B's shares at each weight.
-constexpr std::array<KilnShorts, 9> makeMixWeights()
-{
-	std::array<KilnShorts, 9> weights = {};
-	for (unsigned weight = 0; weight < 9; ++weight)
-	{
-		for (unsigned c = 0; c < 8; ++c)
-		{
-			weights[weight][c] = static_cast<std::uint16_t>(c < 4 ? 8 - weight : weight);
-		}
-	}
-	return weights;
-}
-constexpr std::array<KilnShorts, 9> kMixWeights = makeMixWeights();
+using Channels = std::array<int, 4>;
 
-/// Division of a sum of residuals by twice their number, rounding down: (sum + kBias) * factor >> 16, less kBias
-/// divided likewise. A sum reaches 4 * 255 either way.
-constexpr std::uint16_t kBias = 1536;
-struct Division
+struct Window
 {
-	std::uint16_t factor;
-	std::uint16_t bias;
-};
-/// By the number of residuals; without any the mean is 0.
-constexpr std::array<Division, 5> kDivisions = {{{0, 0}, {32768, 768}, {16384, 384}, {10923, 256}, {8192, 192}}};
-
-struct Scratch
-{
-	std::array<KilnShorts, kKilnMaxWindow> planes;
-	std::array<std::uint8_t, kKilnMaxWindow> indices;
-	std::array<std::uint8_t, kKilnMaxWindow> weights;
-	/// What the pixels that are left out lack; the last entry stays 0.
-	std::array<KilnShorts, kKilnMaxWindow + 1> lacking;
+	std::array<Channels, kKilnMaxWindow> planesA;
+	std::array<Channels, kKilnMaxWindow> planesB;
+	std::array<int, kKilnMaxWindow> indices = {};
+	std::array<int, kKilnMaxWindow> weights = {};
+	/// What the pixels that are left out lack.
+	std::array<Channels, kKilnMaxWindow> lacking = {};
 };
 
-/// Pixel less the mix of its planes at a weight, in lanes 0 to 3.
-Lanes16 residualAt(const KilnPixelModel& pixel, Lanes16 planes, int weight)
+int numberAt(const KilnRow& row, int place, int second = 0)
 {
-	return loadLanes(pixel.target) - shiftRight<3>(addHalves(planes * loadLanes(kMixWeights[weight])));
+	return static_cast<int>(row.at(place, second));
 }
 
-/// Lets four stored pixels choose, each against its target.
-void chooseFour(const KilnWindowModel& model, const KilnStoredPixel* stored, const std::array<Lanes16, 4>& targets, Scratch& scratch)
+Channels upscaled(const KilnWindowModel& model, const KilnRow* around, int place, const KilnColour& colour)
 {
-	std::array<Lanes32, 4> errors;
-	for (int i = 0; i < 4; ++i)
+	Channels plane;
+	for (int c = 0; c < 4; ++c)
 	{
-		const int pixel = stored[i].pixel;
-		const KilnCandidateLanes candidates = kilnMixCandidates(loadLanes(scratch.planes[pixel]));
-		const Lanes16 scale = loadLanes(model.pixels[pixel].scale);
-		errors[i] = sumsOfSquares((targets[i] - candidates.ends) * scale, (targets[i] - candidates.middles) * scale);
-		if (stored[i].endsOnly)
-		{
-			errors[i] = forbidMiddles(errors[i]);
-		}
+		const int own = numberAt(model.share, place) * (colour[c] & kKilnWorkingMask[c]);
+		const int scaled = (numberAt(around[c / 2], place, c % 2) + own) >> 6;
+		plane[c] = scaled + (scaled >> (c < 3 ? 5 : 4));
 	}
-	std::array<std::uint32_t, 4> indices;
-	storeLanes(indices.data(), chooseOfFour(errors).indices);
-	for (int i = 0; i < 4; ++i)
-	{
-		scratch.indices[stored[i].pixel] = static_cast<std::uint8_t>(indices[i]);
-		scratch.weights[stored[i].pixel] = StdWeightMapU8[indices[i]];
-	}
+	return plane;
 }
 
-int leftOutWeight(const KilnLeftOutPixel& pixel, const Scratch& scratch)
+Channels targetAt(const KilnWindowModel& model, int place)
 {
-	const auto& weights = scratch.weights;
-	return (weights[pixel.reads[0]] + weights[pixel.reads[1]] + weights[pixel.reads[2]] + weights[pixel.reads[3]] + 2) >> 2;
+	Channels target;
+	for (int c = 0; c < 4; ++c)
+	{
+		target[c] = numberAt(model.target[c / 2], place, c % 2);
+	}
+	return target;
+}
+
+/// A target less the mix of a pixel's planes at a weight.
+Channels residualAt(const Window& window, int place, const Channels& target, int weight)
+{
+	Channels residual;
+	for (int c = 0; c < 4; ++c)
+	{
+		residual[c] = target[c] - ((window.planesA[place][c] * (8 - weight) + window.planesB[place][c] * weight) >> 3);
+	}
+	return residual;
+}
+
+std::uint64_t squareSum(const KilnWindowModel& model, int place, const Channels& residual)
+{
+	std::uint64_t sum = 0;
+	for (int c = 0; c < 4; ++c)
+	{
+		const int scaled = residual[c] * (c == 3 ? numberAt(model.scale, place, 1) : 1);
+		sum += static_cast<std::uint64_t>(scaled * scaled);
+	}
+	return sum;
+}
+
+void choose(const KilnWindowModel& model, int place, const Channels& target, Window& window)
+{
+	std::array<std::uint64_t, 4> costs;
+	for (unsigned i = 0; i < 4; ++i)
+	{
+		costs[i] = squareSum(model, place, residualAt(window, place, target, StdWeightMapU8[i]));
+	}
+	window.indices[place] = kilnChooseCandidate(costs, model.endsOnly.at(place) != 0);
+	window.weights[place] = StdWeightMapU8[window.indices[place]];
+}
+
+int leftOutWeight(const KilnWindowModel& model, int place, const Window& window)
+{
+	int quarters = 2;
+	for (int k = 0; k < 4; ++k)
+	{
+		const int share = numberAt(model.quarters[k], place);
+		quarters += share != 0 ? share * window.weights[place + kKilnNeighbourSteps[k]] : 0;
+	}
+	return quarters >> 2;
 }
 
 /// Chooses again for stored pixels, against targets that make up for what the pixels between them lack.
-void feedBack(const KilnWindowModel& model, Scratch& scratch)
+void feedBack(const KilnWindowModel& model, Window& window)
 {
-	scratch.lacking[kKilnNoPixel] = {};
-	for (int i = 0; i < model.leftOutCount; ++i)
+	for (int place = 0; place < kKilnMaxWindow; ++place)
 	{
-		const KilnLeftOutPixel& leftOut = model.leftOut[i];
-		const Lanes16 planes = loadLanes(scratch.planes[leftOut.pixel]);
-		storeLanes(scratch.lacking[leftOut.pixel].data(), residualAt(model.pixels[leftOut.pixel], planes, leftOutWeight(leftOut, scratch)));
-	}
-	const auto lackingAt = [&scratch](std::uint8_t pixel)
-	{
-		return loadLanes(scratch.lacking[pixel]);
-	};
-	const Lanes16 black = broadcastLanes(0);
-	const Lanes16 white = broadcastLanes(255);
-	for (int first = 0; first < model.storedCount; first += 4)
-	{
-		std::array<Lanes16, 4> targets;
-		for (int i = 0; i < 4; ++i)
+		if (model.isLeftOut.at(place) != 0)
 		{
-			const KilnStoredPixel& stored = model.stored[first + i];
-			const Division& division = kDivisions[stored.readerCount];
-			const auto& readers = stored.readers;
-			const Lanes16 sum = lackingAt(readers[0]) + lackingAt(readers[1]) + lackingAt(readers[2]) + lackingAt(readers[3]);
-			const Lanes16 mean = multiplyHigh(sum + broadcastLanes(kBias), broadcastLanes(division.factor)) - broadcastLanes(division.bias);
-			targets[i] = repeatLower(clampLanes(loadLanes(model.pixels[stored.pixel].target) + mean, black, white));
+			window.lacking[place] = residualAt(window, place, targetAt(model, place), leftOutWeight(model, place, window));
 		}
-		chooseFour(model, &model.stored[first], targets, scratch);
 	}
-}
-
-/// Notes the pixels of a part of a row for the fit.
-/// @return the sums of their errors.
-Lanes32 recordPixels(const KilnWindowModel& model, const Scratch& scratch, int first, int end, KilnFittingParams& params)
-{
-	Lanes32 errors = zeroLanes();
-	for (int pixel = first; pixel < end; ++pixel)
+	for (int place = 0; place < kKilnMaxWindow; ++place)
 	{
-		const KilnPixelModel& entry = model.pixels[pixel];
-		const int weight = scratch.weights[pixel];
-		const Lanes16 residual = residualAt(entry, loadLanes(scratch.planes[pixel]), weight);
-		const Lanes16 scaled = repeatLower(residual * loadLanes(entry.scale));
-		errors = errors + sumsOfProducts(scaled, scaled);
-		storeLower(params.residual[pixel].data(), residual);
-		const int share = entry.blockWeight[0];
-		params.influenceA[pixel] = static_cast<std::int16_t>(share * (8 - weight));
-		params.influenceB[pixel] = static_cast<std::int16_t>(share * weight);
-		params.results[pixel] = {scratch.indices[pixel], static_cast<std::uint8_t>(weight)};
+		if (model.isLeftOut.at(place) != 0)
+		{
+			continue;
+		}
+		Channels target = targetAt(model, place);
+		for (int c = 0; c < 4; ++c)
+		{
+			int sum = kKilnDivisionBias;
+			for (int k = 0; k < 4; ++k)
+			{
+				sum += model.isReader[k].at(place) != 0 ? window.lacking[place + kKilnNeighbourSteps[k]][c] : 0;
+			}
+			const int mean = ((sum * numberAt(model.divisionFactor, place)) >> 16) - numberAt(model.divisionBias, place);
+			target[c] = std::clamp(target[c] + mean, 0, 255);
+		}
+		choose(model, place, target, window);
 	}
-	return errors;
 }
 } // namespace
 
@@ -161,47 +155,48 @@ int ComputeInterpolatedModVal(int storeClass, int row, int column, const std::ui
 	return storeClass == kKilnLeftOut ? (2 + sum) >> 2 : (1 + sum) >> 1;
 }
 
-void EvalAllCandsAndGetErrors2BPP(const KilnWindowModel& model, const KilnPair& pair, KilnFittingParams& params, KilnErrors& errors)
+template<>
+void KilnKernels<eSimdPlain>::evaluate2Bpp(const KilnWindowModel& model, const KilnPair& pair, KilnDetail detail, KilnFittingParams& params,
+                                           KilnErrors& errors)
 {
-	Scratch scratch;
-	const Lanes16 pairLanes = kilnPairLanes(pair);
-	for (int pixel = 0; pixel < kKilnMaxWindow; ++pixel)
+	Window window;
+	for (int place = 0; place < kKilnMaxWindow; ++place)
 	{
-		storeLanes(scratch.planes[pixel].data(), kilnUpscaledPlanes(model.pixels[pixel], pairLanes));
-	}
-	scratch.indices.fill(0);
-	for (int first = 0; first < model.storedCount; first += 4)
-	{
-		std::array<Lanes16, 4> targets;
-		for (int i = 0; i < 4; ++i)
+		window.planesA[place] = upscaled(model, model.aroundA, place, pair.a);
+		window.planesB[place] = upscaled(model, model.aroundB, place, pair.b);
+		if (model.isLeftOut.at(place) == 0)
 		{
-			targets[i] = loadLanes(model.pixels[model.stored[first + i].pixel].target);
+			choose(model, place, targetAt(model, place), window);
 		}
-		chooseFour(model, &model.stored[first], targets, scratch);
 	}
-	if (model.leftOutCount > 0)
+	if (model.hasLeftOut)
 	{
-		feedBack(model, scratch);
+		feedBack(model, window);
 	}
-	for (int i = 0; i < model.leftOutCount; ++i)
-	{
-		scratch.weights[model.leftOut[i].pixel] = static_cast<std::uint8_t>(leftOutWeight(model.leftOut[i], scratch));
-	}
-
-	// Own pixels lie within 4 to 11 of rows 2 to 5.
 	errors = {};
-	for (int y = 1; y < kHeight - 1; ++y)
+	for (int place = 0; place < kKilnMaxWindow; ++place)
 	{
-		const int row = kWidth * y;
-		const bool ownRow = y >= 2 && y < 6;
-		const int ownFirst = row + (ownRow ? 4 : kWidth - 1);
-		const int ownEnd = row + (ownRow ? 12 : kWidth - 1);
-		const Lanes32 left = recordPixels(model, scratch, row + 1, ownFirst, params);
-		errors.own += sumOfLanes(recordPixels(model, scratch, ownFirst, ownEnd, params));
-		errors.outer += sumOfLanes(left + recordPixels(model, scratch, ownEnd, row + kWidth - 1, params));
+		if (model.isLeftOut.at(place) != 0)
+		{
+			window.weights[place] = leftOutWeight(model, place, window);
+		}
+		const int weight = window.weights[place];
+		const Channels residual = residualAt(window, place, targetAt(model, place), weight);
+		const std::uint64_t error = squareSum(model, place, residual);
+		errors.own += model.isOwn.at(place) != 0 ? error : 0;
+		errors.outer += model.isOuter.at(place) != 0 ? error : 0;
+		if (detail != kKilnErrorsAlone)
+		{
+			for (int half = 0; half < 2; ++half)
+			{
+				params.residual[half].set(place, static_cast<unsigned>(residual[2 * half]), static_cast<unsigned>(residual[2 * half + 1]));
+			}
+			const int share = numberAt(model.share, place);
+			params.influenceA.setBoth(place, static_cast<unsigned>(share * (8 - weight)));
+			params.influenceB.setBoth(place, static_cast<unsigned>(share * weight));
+			params.indices.setBoth(place, static_cast<unsigned>(window.indices[place]));
+			params.weights.setBoth(place, static_cast<unsigned>(weight));
+		}
 	}
-	// Every lane pair was counted twice.
-	errors.own /= 2;
-	errors.outer /= 2;
 	errors.total = errors.own + errors.outer;
 }

@@ -1,19 +1,17 @@
 #include <cstdint>
 
-#include "lanes.h"
 #include "optimise.h"
 
 namespace
 {
-/// The window pixels on which the block at its centre has any influence: first and end, an even number. The pixel past the last one
-/// lies on the rim, where all data is 0.
-struct PixelRange
+/// The places on which the block at the centre of a window has any influence, to whole vectors: first and end.
+struct PlaceRange
 {
 	int first;
 	int end;
 };
-constexpr PixelRange kCentralRange4Bpp = {10, 72};
-constexpr PixelRange kCentralRange2Bpp = {18, 136};
+constexpr PlaceRange kCentralRange4Bpp = {0, 64};
+constexpr PlaceRange kCentralRange2Bpp = {16, 144};
 
 /// A colour whose influence is below the other's by more than this is not fitted: it would take a huge step.
 constexpr double kUnderused = 100;
@@ -28,43 +26,23 @@ struct NormalSums
 	std::array<double, 4> v = {};
 };
 
-NormalSums sumNormalEquations(const PixelRange& range, const KilnFittingParams& params)
+NormalSums sumNormalEquations(const KilnKernelTable& kernels, const PlaceRange& range, const KilnFittingParams& params)
 {
-	// No sum of 118 products of influences up to 512 and residuals up to 255 leaves 32 bits.
-	Lanes32 sumsU = {};
-	Lanes32 sumsV = {};
-	Lanes32 sumsUOfBoth = {};
-	Lanes32 sumsVOfBoth = {};
-	for (int i = range.first; i < range.end; i += 2)
-	{
-		const Lanes16 u = broadcastPair(&params.influenceA[i]);
-		const Lanes16 v = broadcastPair(&params.influenceB[i]);
-		const Lanes16 residuals = interleaveHalves(loadLanes(params.residual[i].data()));
-		sumsU = sumsU + sumsOfProducts(u, residuals);
-		sumsV = sumsV + sumsOfProducts(v, residuals);
-		const Lanes16 both = interleavePairs(u, v);
-		sumsUOfBoth = sumsUOfBoth + sumsOfProducts(u, both);
-		sumsVOfBoth = sumsVOfBoth + sumsOfProducts(v, both);
-	}
-	std::array<std::array<std::uint32_t, 4>, 4> sums;
-	storeLanes(sums[0].data(), sumsU);
-	storeLanes(sums[1].data(), sumsV);
-	storeLanes(sums[2].data(), sumsUOfBoth);
-	storeLanes(sums[3].data(), sumsVOfBoth);
-
+	KilnNormalSums sums;
+	kernels.sumNormalEquations(params, range.first, range.end, sums);
 	constexpr double kUnit = 1.0 / 512;
-	const auto scaled = [](std::uint32_t sum, double unit)
+	const auto scaled = [](std::int32_t sum, double unit)
 	{
-		return unit * static_cast<std::int32_t>(sum);
+		return unit * sum;
 	};
 	NormalSums result;
-	result.uu = scaled(sums[2][0], kUnit * kUnit);
-	result.uv = scaled(sums[2][1], kUnit * kUnit);
-	result.vv = scaled(sums[3][1], kUnit * kUnit);
+	result.uu = scaled(sums.uu, kUnit * kUnit);
+	result.uv = scaled(sums.uv, kUnit * kUnit);
+	result.vv = scaled(sums.vv, kUnit * kUnit);
 	for (int c = 0; c < 4; ++c)
 	{
-		result.u[c] = scaled(sums[0][c], kUnit);
-		result.v[c] = scaled(sums[1][c], kUnit);
+		result.u[c] = scaled(sums.u[c], kUnit);
+		result.v[c] = scaled(sums.v[c], kUnit);
 	}
 	return result;
 }
@@ -112,9 +90,9 @@ NormalInverse invert(NormalSums& sums)
 }
 } // namespace
 
-KilnFit FitOnlyCentralRepPairsToWeights(const KilnSettings& settings, const KilnFittingParams& params)
+KilnFit FitOnlyCentralRepPairsToWeights(const KilnKernelTable& kernels, const KilnSettings& settings, const KilnFittingParams& params)
 {
-	NormalSums sums = sumNormalEquations(settings.bpp == 4 ? kCentralRange4Bpp : kCentralRange2Bpp, params);
+	NormalSums sums = sumNormalEquations(kernels, settings.bpp == 4 ? kCentralRange4Bpp : kCentralRange2Bpp, params);
 	const NormalInverse inverse = invert(sums);
 	KilnFit fit;
 	fit.kind = inverse.kind;

@@ -204,6 +204,9 @@ struct KilnThreadRecord
 	/// Rows of blocks, first and end: block rows in the statistics stage, indices of rows of one parity in a phase.
 	int firstRow = 0;
 	int endRow = 0;
+	/// Of packing: the blocks of the whole image, in rows or twiddled.
+	unsigned char* out = nullptr;
+	bool linear = false;
 	/// Of a phase.
 	int parity = 0;
 	int tag = 0;

@@ -56,7 +56,8 @@ bool allocateBlockRows(const KilnSettings& settings, KilnBlockRows& blocks)
 	}
 }
 
-bool runStatistics(const KilnThreadRecord& common, int threads)
+/// Runs a stage over bands of rows.
+bool runBands(KilnThreadRoutine routine, const KilnThreadRecord& common, int threads)
 {
 	const int blocksY = common.settings->blocksY;
 	std::vector<KilnThreadRecord> pieces(static_cast<std::size_t>(threads), common);
@@ -65,7 +66,7 @@ bool runStatistics(const KilnThreadRecord& common, int threads)
 		pieces[t].firstRow = t * blocksY / threads;
 		pieces[t].endRow = (t + 1) * blocksY / threads;
 	}
-	return kilnRunStage(RunAGenerateStatsSetThread, pieces);
+	return kilnRunStage(routine, pieces);
 }
 
 void straightenColours(const KilnSettings& settings, KilnBlockRows& blocks)
@@ -99,30 +100,6 @@ std::uint64_t meanError(const KilnBlockRows& blocks)
 		}
 	}
 	return (sum + count / 2) / count;
-}
-
-void writeLittleEndian(unsigned char* out, std::uint32_t word)
-{
-	for (int i = 0; i < 4; ++i)
-	{
-		out[i] = static_cast<unsigned char>(word >> (8 * i));
-	}
-}
-
-void packBlocks(const KilnImage& image, const KilnSettings& settings, const KilnBlockRows& blocks, bool linear, unsigned char* out)
-{
-	const auto numX = static_cast<unsigned>(settings.blocksX);
-	const auto numY = static_cast<unsigned>(settings.blocksY);
-	for (unsigned y = 0; y < numY; ++y)
-	{
-		for (unsigned x = 0; x < numX; ++x)
-		{
-			const KilnWords words = PackLocalBlock(image, settings, blocks, static_cast<int>(x), static_cast<int>(y));
-			unsigned char* block = out + kBytesPerBlock * TwiddleUV(numY, numX, y, x, linear ? 1 : 0);
-			writeLittleEndian(block, words.modulation);
-			writeLittleEndian(block + 4, words.colours);
-		}
-	}
 }
 
 bool isPowerOfTwo(int value)
@@ -243,7 +220,7 @@ int SearchForImageRepresentatives(const KilnImage& image, int wordType, int bpp,
 			kilnEnterPass(settings, level, pass, mean);
 			if (pass == 0)
 			{
-				if (!runStatistics(common, threads))
+				if (!runBands(RunAGenerateStatsSetThread, common, threads))
 				{
 					return 0;
 				}
@@ -262,8 +239,9 @@ int SearchForImageRepresentatives(const KilnImage& image, int wordType, int bpp,
 			}
 			mean = meanError(blocks);
 		}
-		packBlocks(image, settings, blocks, linear, out);
-		return 1;
+		common.out = out;
+		common.linear = linear;
+		return runBands(RunAPackingThread, common, threads) ? 1 : 0;
 	}
 	catch (const std::bad_alloc&)
 	{

@@ -59,8 +59,12 @@ void enterBlock(OptimiseRegion& region, const KilnThreadRecord& record, int bloc
 	region.useRegions = settings.bpp == 4 && settings.wideSearch && block.isGraphics;
 	if (region.useRegions)
 	{
-		AnalyseGraphicsProperties(region.window.data(), settings, region.regions);
+		KilnRegions regions;
+		AnalyseGraphicsProperties(region.window.data(), settings, regions);
+		region.regions = kilnRegionPlaces(regions);
 	}
+	kilnSetTargets(settings, region.window.data(), settings.bpp == 4 && !settings.wideSearch, region.model);
+	forgetSurroundings(region);
 }
 
 /// Walks the seeds under flips of flags upwards. Those belong to other rows and are not written: such a trial only finds a pair, which
@@ -81,7 +85,7 @@ void walkUnderUpwardFlips(OptimiseRegion& region, const std::array<int, kKilnMod
 	const int written = hardVariant & kLeftFlip;
 	setTrialMode(region, mode, written);
 	KilnErrors errors;
-	evaluatePair(region, pair, errors);
+	evaluatePair(region, pair, region.limit, kKilnErrorsAlone, errors);
 	if (errors.total < region.limit)
 	{
 		addTrial(region.trials, {pair, errors.total, errors.own}, written);
@@ -161,6 +165,8 @@ void runPhase(OptimiseRegion& region, const KilnThreadRecord& record)
 {
 	const KilnSettings& settings = *record.settings;
 	region.settings = &settings;
+	region.kernels = kilnKernels();
+	InitialiseWindowModel(settings, region.model);
 	InitialisePackedFittingParams(region.params);
 	region.firstPass = settings.iterations <= 1;
 	for (int index = record.firstRow; index < record.endRow; ++index)

@@ -33,7 +33,7 @@ struct KilnFit
 	int kind = 0;
 };
 
-KilnFit FitOnlyCentralRepPairsToWeights(const KilnSettings& settings, const KilnFittingParams& params);
+KilnFit FitOnlyCentralRepPairsToWeights(const KilnKernelTable& kernels, const KilnSettings& settings, const KilnFittingParams& params);
 
 /// Moves x, which has influence, by delta, and lets y, which has little, follow.
 void AdjustUnderusedCandidates(const KilnColourF& x, const KilnColourF& y, const KilnColourF& delta, KilnColourF& outX, KilnColourF& outY);

@@ -2,7 +2,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <new>
 
+#include "decompress.h"
 #include "palettetables.h"
 
 namespace
@@ -54,25 +57,32 @@ std::uint32_t packColours(const KilnPair& pair, int mode, const KilnSettings& se
 }
 
 /// The modulation word, from the last pixel down to the first.
-std::uint32_t packModulation(const KilnBlendRecords& records, const KilnFittingParams& params, const KilnSettings& settings)
+std::uint32_t packModulation(const KilnWindowModel& model, const KilnFittingParams& params, const KilnNeighbourModes& modes,
+                             const KilnSettings& settings)
 {
 	std::uint32_t word = 0;
 	for (int y = settings.blockHeight - 1; y >= 0; --y)
 	{
 		for (int x = settings.blockWidth - 1; x >= 0; --x)
 		{
-			const int pixel = settings.windowWidth * (y + settings.blockHeight / 2) + x + settings.blockWidth / 2;
-			const KilnBlendRecord& record = records.pixels[pixel];
-			const std::uint32_t index = params.results[pixel].index;
+			const int windowX = x + settings.blockWidth / 2;
+			const int windowY = y + settings.blockHeight / 2;
+			const int pixel = settings.windowWidth * windowY + windowX;
 			if (settings.bpp == 4)
 			{
-				word = word << 2 | (record.localPalette ? PalModRemapper4Col[4 * y + x][index] : index);
+				const int place = kKilnPlaceOf4Bpp[pixel];
+				const std::uint32_t index = params.indices.at(place);
+				word = word << 2 | (model.isPalette.at(place) != 0 ? PalModRemapper4Col[4 * y + x][index] : index);
+				continue;
 			}
-			else if (record.storeClass == kKilnDirectPixel)
+			constexpr int kCentre = 4;
+			const std::uint32_t index = params.indices.at(pixel);
+			const KilnStoreClass storeClass = kilnStorageOf(modes[kCentre], windowX, windowY).storeClass;
+			if (storeClass == kKilnDirectPixel)
 			{
 				word = word << 1 | index >> 1;
 			}
-			else if (record.storeClass == kKilnStored)
+			else if (storeClass == kKilnStored)
 			{
 				word = word << 2 | index;
 			}
@@ -96,10 +106,24 @@ std::uint32_t setInterpolation(std::uint32_t word, int mode)
 		return word;
 	}
 }
+
+void writeLittleEndian(unsigned char* out, std::uint32_t word)
+{
+	for (int i = 0; i < 4; ++i)
+	{
+		out[i] = static_cast<unsigned char>(word >> (8 * i));
+	}
+}
 } // namespace
 
-KilnWords PackLocalBlock(const KilnImage& image, const KilnSettings& settings, const KilnBlockRows& blocks, int blockX, int blockY,
-                         KilnErrors* errors)
+KilnPackingSpace::KilnPackingSpace(const KilnSettings& settings) : kernels(kilnKernels())
+{
+	InitialiseWindowModel(settings, model);
+	InitialisePackedFittingParams(params);
+}
+
+KilnWords PackLocalBlock(KilnPackingSpace& space, const KilnImage& image, const KilnSettings& settings, const KilnBlockRows& blocks,
+                         int blockX, int blockY, KilnErrors* errors)
 {
 	if (settings.bpp != 2 && settings.bpp != 4)
 	{
@@ -112,22 +136,23 @@ KilnWords PackLocalBlock(const KilnImage& image, const KilnSettings& settings, c
 	KilnNeighbourModes modes;
 	GatherNeighbours(blocks, settings, blockX, blockY, colours, modes);
 
-	KilnBlendRecords records;
-	CreateBlendingAndUpdateWeights(modes, 0, settings, records);
-	KilnWindowModel model;
-	PrepareWindowModel(records, window.data(), colours, true, model);
-	KilnFittingParams params;
-	InitialisePackedFittingParams(params);
+	const unsigned hardFlags = kilnHardFlags(modes, 0, settings.bpp);
+	kilnSetTargets(settings, window.data(), errors != nullptr && settings.bpp == 4, space.model);
+	kilnSetSurroundings(settings, colours, hardFlags, space.model);
+	kilnSetKinds(settings, window.data(), colours, modes, hardFlags, space.model);
 	const KilnBlock& block = blocks[blockY][blockX];
 	const KilnPair& pair = block.current().pair;
 	KilnErrors found;
 	if (settings.bpp == 4)
 	{
-		EvalAllCandsAndGetErrors4BPP(model, pair, nullptr, UINT64_MAX, params, found);
+		space.model.rimError = errors != nullptr ? space.kernels.rimError4Bpp(space.model) : 0;
+		// The block's own area comes first, and more is not needed.
+		const std::uint64_t limit = errors != nullptr ? UINT64_MAX : 0;
+		space.kernels.evaluate4Bpp(space.model, pair, limit, kKilnIndices, space.params, found);
 	}
 	else
 	{
-		EvalAllCandsAndGetErrors2BPP(model, pair, params, found);
+		space.kernels.evaluate2Bpp(space.model, pair, kKilnIndices, space.params, found);
 	}
 	if (errors != nullptr)
 	{
@@ -135,11 +160,40 @@ KilnWords PackLocalBlock(const KilnImage& image, const KilnSettings& settings, c
 	}
 
 	KilnWords words;
-	words.modulation = packModulation(records, params, settings);
+	words.modulation = packModulation(space.model, space.params, modes, settings);
 	if (settings.bpp == 2)
 	{
 		words.modulation = setInterpolation(words.modulation, block.currentMode);
 	}
 	words.colours = packColours(pair, block.currentMode, settings);
 	return words;
+}
+
+void* RunAPackingThread(void* threadRecord)
+{
+	auto& record = *static_cast<KilnThreadRecord*>(threadRecord);
+	const KilnSettings& settings = *record.settings;
+	const auto numX = static_cast<unsigned>(settings.blocksX);
+	const auto numY = static_cast<unsigned>(settings.blocksY);
+	try
+	{
+		const auto space = std::make_unique<KilnPackingSpace>(settings);
+		for (int y = record.firstRow; y < record.endRow; ++y)
+		{
+			for (int x = 0; x < settings.blocksX; ++x)
+			{
+				const KilnWords words = PackLocalBlock(*space, *record.image, settings, *record.blocks, x, y);
+				const auto place = TwiddleUV(numY, numX, static_cast<unsigned>(y), static_cast<unsigned>(x), record.linear ? 1 : 0);
+				unsigned char* out = record.out + std::size_t{8} * place;
+				writeLittleEndian(out, words.modulation);
+				writeLittleEndian(out + 4, words.colours);
+			}
+		}
+	}
+	catch (const std::bad_alloc&)
+	{
+		std::fputs("Err: Failed to allocate packing working space!!\n", stderr);
+		record.failed = true;
+	}
+	return nullptr;
 }

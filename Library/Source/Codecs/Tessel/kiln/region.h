@@ -11,7 +11,10 @@
 
 struct OptimiseRegion
 {
+	static constexpr unsigned kNoFlags = ~0U;
+
 	const KilnSettings* settings = nullptr;
+	KilnKernelTable kernels = {};
 
 	// Of the visited block.
 	KilnBlock* block = nullptr;
@@ -27,7 +30,7 @@ struct OptimiseRegion
 	/// In force in the first pass, in which the neighbours have only the pairs of the statistics.
 	bool firstPass = false;
 	/// In force when useRegions is set.
-	KilnRegions regions;
+	KilnRegionPlaces regions;
 	bool useRegions = false;
 	/// A trial that reaches this error is given up.
 	std::uint64_t limit = 0;
@@ -35,8 +38,10 @@ struct OptimiseRegion
 	// Of the mode under trial.
 	int mode = 0;
 	int hardVariant = 0;
-	KilnBlendRecords records;
 	KilnWindowModel model;
+	/// The hard flags for which the surroundings stand in the model, and those for which the error of its rim does; kNoFlags for none.
+	unsigned blendedFlags = kNoFlags;
+	unsigned rimFlags = kNoFlags;
 	KilnPairSet tried;
 	KilnTrialList trials;
 	KilnFittingParams params;
@@ -44,9 +49,12 @@ struct OptimiseRegion
 
 /// Sets the mode and the flips under which the next pairs are evaluated.
 void setTrialMode(OptimiseRegion& region, int mode, int hardVariant);
+/// To be called when the colours around the block were exchanged.
+void forgetSurroundings(OptimiseRegion& region);
 
 /// What the window costs with a pair in the block.
-void evaluatePair(OptimiseRegion& region, const KilnPair& pair, KilnErrors& errors);
+/// @param limit  the errors need not be exact once they reach it.
+void evaluatePair(OptimiseRegion& region, const KilnPair& pair, std::uint64_t limit, KilnDetail detail, KilnErrors& errors);
 
 /// Evaluates a seed, fits it again and again, and adds the best pair that came of it to the trials. A pair that was tried before under
 /// these settings ends the walk: what follows it is known.

@@ -66,13 +66,15 @@ bool tryPairsOfFlatArea(OptimiseRegion& region)
 		const KilnPair pair = singleColourPair(region, firstCandidate);
 		region.colours.fill(pair);
 		region.modes.fill(mode);
+		forgetSurroundings(region);
 		setTrialMode(region, mode, 0);
 		KilnErrors errors;
-		evaluatePair(region, pair, errors);
+		evaluatePair(region, pair, region.limit, kKilnErrorsAlone, errors);
 		addTrial(region.trials, {pair, errors.total, errors.own}, 0);
 	}
 	region.colours = colours;
 	region.modes = modes;
+	forgetSurroundings(region);
 	const int ownPixels = region.settings->blockWidth * region.settings->blockHeight;
 	if (region.trials.trials[0].candidate.secondaryError <= kGoodErrorPerPixel * static_cast<unsigned>(ownPixels))
 	{

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include "optimise.h"
@@ -99,7 +100,7 @@ FloatPair moveByFit(const KilnPair& pair, const KilnFit& fit)
 /// One least-squares step from the last evaluation. Nothing when the fit has converged.
 std::optional<KilnPair> fitPair(const OptimiseRegion& region, const KilnPair& pair)
 {
-	KilnFit fit = FitOnlyCentralRepPairsToWeights(*region.settings, region.params);
+	KilnFit fit = FitOnlyCentralRepPairsToWeights(region.kernels, *region.settings, region.params);
 	std::array<float, 2> lengths = {};
 	const std::array<KilnColourF*, 2> deltas = {&fit.deltaA, &fit.deltaB};
 	for (int i = 0; i < 2; ++i)
@@ -138,6 +139,24 @@ bool isBetter(const KilnErrors& errors, const KilnCandidate& best)
 {
 	return errors.total < best.error || (errors.total == best.error && errors.own > best.secondaryError);
 }
+
+/// The error at and above which the last pair of a walk can neither replace the best of the walk, nor enter the trials that are kept, nor
+/// end the search.
+std::uint64_t limitOfLast(const OptimiseRegion& region, const KilnCandidate* best)
+{
+	const KilnTrialList& trials = region.trials;
+	const int kept = region.settings->candidatesKept;
+	std::uint64_t error = std::numeric_limits<std::uint64_t>::max() - 1;
+	if (trials.count >= kept)
+	{
+		error = std::max(trials.trials[static_cast<std::size_t>(kept) - 1].candidate.error, region.settings->errorThreshold);
+	}
+	if (best != nullptr)
+	{
+		error = std::min(error, best->error);
+	}
+	return error + 1;
+}
 } // namespace
 
 void setTrialMode(OptimiseRegion& region, int mode, int hardVariant)
@@ -151,21 +170,47 @@ void setTrialMode(OptimiseRegion& region, int mode, int hardVariant)
 			region.modes[i] = mode;
 		}
 	}
-	CreateBlendingAndUpdateWeights(region.modes, hardVariant, *region.settings, region.records);
-	PrepareWindowModel(region.records, region.window.data(), region.colours, !region.settings->wideSearch, region.model);
-	region.tried.clear();
-}
-
-void evaluatePair(OptimiseRegion& region, const KilnPair& pair, KilnErrors& errors)
-{
-	if (region.settings->bpp == 4)
+	const KilnSettings& settings = *region.settings;
+	const unsigned flags = kilnHardFlags(region.modes, hardVariant, settings.bpp);
+	if (flags != region.blendedFlags)
 	{
-		EvalAllCandsAndGetErrors4BPP(region.model, pair, region.useRegions ? &region.regions : nullptr, region.limit, region.params,
-		                             errors);
+		kilnSetSurroundings(settings, region.colours, flags, region.model);
+		region.blendedFlags = flags;
+	}
+	kilnSetKinds(settings, region.window.data(), region.colours, region.modes, flags, region.model);
+	if (region.model.withRim)
+	{
+		// The block is P of no group on the rim, so that its own mode matters there only where it is its own neighbour.
+		constexpr unsigned kOwnFlag = 1U << 4;
+		const bool hasTwin = std::count(region.isSelf.begin(), region.isSelf.end(), true) > 1;
+		if ((flags & ~kOwnFlag) != region.rimFlags || hasTwin)
+		{
+			region.model.rimError = region.kernels.rimError4Bpp(region.model);
+			region.rimFlags = flags & ~kOwnFlag;
+		}
 	}
 	else
 	{
-		EvalAllCandsAndGetErrors2BPP(region.model, pair, region.params, errors);
+		region.model.rimError = 0;
+	}
+	region.tried.clear();
+}
+
+void forgetSurroundings(OptimiseRegion& region)
+{
+	region.blendedFlags = region.rimFlags = OptimiseRegion::kNoFlags;
+}
+
+void evaluatePair(OptimiseRegion& region, const KilnPair& pair, std::uint64_t limit, KilnDetail detail, KilnErrors& errors)
+{
+	if (region.settings->bpp == 4)
+	{
+		EvalAllCandsAndGetErrors4BPP(region.kernels, region.model, pair, region.useRegions ? &region.regions : nullptr, limit, detail,
+		                             region.params, errors);
+	}
+	else
+	{
+		region.kernels.evaluate2Bpp(region.model, pair, detail, region.params, errors);
 	}
 }
 
@@ -176,9 +221,11 @@ bool walkSeed(OptimiseRegion& region, const KilnPair& seed)
 	KilnPair pair = seed;
 	for (int round = 1; round <= region.settings->iterations && region.tried.insert(pair); ++round)
 	{
+		const bool isLast = round == region.settings->iterations;
+		const std::uint64_t limit = isLast ? std::min(region.limit, limitOfLast(region, found ? &best : nullptr)) : region.limit;
 		KilnErrors errors;
-		evaluatePair(region, pair, errors);
-		if (errors.total >= region.limit)
+		evaluatePair(region, pair, limit, isLast ? kKilnErrorsAlone : kKilnForFit, errors);
+		if (errors.total >= limit)
 		{
 			break;
 		}
@@ -187,7 +234,6 @@ bool walkSeed(OptimiseRegion& region, const KilnPair& seed)
 			best = {pair, errors.total, errors.own};
 			found = true;
 		}
-		const bool isLast = round == region.settings->iterations;
 		const std::optional<KilnPair> next = isLast ? std::nullopt : fitPair(region, pair);
 		if (!next)
 		{
