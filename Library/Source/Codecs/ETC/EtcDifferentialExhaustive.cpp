@@ -1,8 +1,12 @@
 /// @file EtcDifferentialExhaustive.cpp
-/// All differential blocks. The colours of both halves are coupled, but only within the range of the delta: what every colour costs
-/// in every half is found first, and pairs are then sums of table entries.
+/// All differential blocks. The colours of both halves are coupled, but only within the range of the delta: the colours that each half may
+/// have in a block within the bound are listed first, and pairs are then sums of what is listed. Most blocks have none for one half
+/// or the other.
+#include <algorithm>
+#include <cstdint>
+
 #include "Codecs/ETC/EtcExhaustiveSearch.h"
-#include "Codecs/ETC/EtcHalfErrors.h"
+#include "Codecs/ETC/EtcHalfWalk.h"
 #include "Codecs/ETC/EtcSplit.h"
 
 namespace zortexture
@@ -11,89 +15,152 @@ namespace
 {
 constexpr int kLevels = 32;
 
-constexpr unsigned int colourIndex(int red, int green, int blue)
-{
-	return static_cast<unsigned int>((red * kLevels + green) * kLevels + blue);
-}
-
 /// The best pair so far, and its split.
 struct Pair
 {
 	unsigned int error;
-	BaseColour first = {};
-	BaseColour second = {};
+	unsigned int first = 0; ///< As 5-bit colours in one number.
+	unsigned int second = 0;
 	bool isFlipped = false;
 	bool isFound = false;
 };
 
-void setColour(BaseColour& colour, int red, int green, int blue)
+void unpackColour(unsigned int packed, BaseColour& colour)
 {
-	colour[0] = red;
-	colour[1] = green;
-	colour[2] = blue;
+	colour[0] = static_cast<int>(packed >> 10);
+	colour[1] = static_cast<int>(packed >> 5 & 31);
+	colour[2] = static_cast<int>(packed & 31);
 }
 
-/// The first colour's pairs that are strictly better than the best.
-void searchSecondColours(const EtcSearchSpace& space, int red, int green, int blue, Pair& best)
+unsigned int leastError(const HalfColour* colours, unsigned int count)
 {
-	const auto from = [](int level)
+	return std::min_element(colours, colours + count, [](const HalfColour& a, const HalfColour& b) { return a.error < b.error; })->error;
+}
+
+/// The colours of a half by their red and green, each with the end of its blues and their least error.
+struct Rows
+{
+	std::uint16_t begin[kLevels * kLevels + 1];
+	unsigned int leastErrors[kLevels * kLevels];
+};
+
+void findRows(const HalfColour* colours, unsigned int count, unsigned int none, Rows& rows)
+{
+	unsigned int next = 0;
+	for (unsigned int row = 0; row < kLevels * kLevels; ++row)
 	{
-		return std::max(level + kLeastDelta, 0);
-	};
-	const auto end = [](int level)
-	{
-		return std::min(level + kGreatestDelta + 1, kLevels);
-	};
-	const unsigned int first = colourIndex(red, green, blue);
-	const unsigned int left = space.halfErrors[kLeftHalf][first];
-	const unsigned int top = space.halfErrors[kTopHalf][first];
-	for (int red2 = from(red); red2 < end(red); ++red2)
-	{
-		for (int green2 = from(green); green2 < end(green); ++green2)
+		rows.begin[row] = static_cast<std::uint16_t>(next);
+		rows.leastErrors[row] = none;
+		for (; next < count && colours[next].colour >> 5 == row; ++next)
 		{
-			for (int blue2 = from(blue); blue2 < end(blue); ++blue2)
+			rows.leastErrors[row] = std::min(rows.leastErrors[row], colours[next].error);
+		}
+	}
+	rows.begin[kLevels * kLevels] = static_cast<std::uint16_t>(next);
+}
+
+/// The pairs of a split that are better than the best; equally good ones if they come before it.
+class CPairSearch
+{
+public:
+	CPairSearch(const EtcSearchSpace& space, unsigned int count2, bool isFlipped, Pair& best)
+	    : m_seconds(space.halfColours[1]), m_isFlipped(isFlipped), m_best(best)
+	{
+		findRows(m_seconds, count2, kNone, m_rows);
+	}
+
+	/// What pairs have to cost less than. One as good as the best of the other split may come before it, one of this split comes later.
+	[[nodiscard]] unsigned int limit() const
+	{
+		return m_best.error + (m_best.isFound && m_best.isFlipped != m_isFlipped ? 1 : 0);
+	}
+
+	/// Tries all second colours of a first one. First colours have to come in their order.
+	void searchSecondColours(const HalfColour& first)
+	{
+		BaseColour colour;
+		unpackColour(first.colour, colour);
+		const auto from = [&colour](unsigned int channel)
+		{
+			return std::max(colour[channel] + kLeastDelta, 0);
+		};
+		const auto last = [&colour](unsigned int channel)
+		{
+			return std::min(colour[channel] + kGreatestDelta, kLevels - 1);
+		};
+		for (int red = from(0); red <= last(0); ++red)
+		{
+			for (int green = from(1); green <= last(1); ++green)
 			{
-				const unsigned int second = colourIndex(red2, green2, blue2);
-				const unsigned int errors[2] = {left + space.halfErrors[kRightHalf][second], top + space.halfErrors[kBottomHalf][second]};
-				for (unsigned int flip = 0; flip < 2; ++flip)
+				const auto row = static_cast<unsigned int>(red * kLevels + green);
+				if (m_rows.leastErrors[row] == kNone || first.error + m_rows.leastErrors[row] >= limit())
 				{
-					if (errors[flip] < best.error)
+					continue;
+				}
+				for (unsigned int i = m_rows.begin[row]; i < m_rows.begin[row + 1]; ++i)
+				{
+					const auto blue = static_cast<int>(m_seconds[i].colour & 31);
+					if (blue >= from(2) && blue <= last(2))
 					{
-						best.error = errors[flip];
-						best.isFlipped = flip != 0;
-						best.isFound = true;
-						setColour(best.first, red, green, blue);
-						setColour(best.second, red2, green2, blue2);
+						offer(first, m_seconds[i]);
 					}
 				}
 			}
 		}
 	}
-}
 
-template<typename Scale>
-void fillHalfErrors(const SearchTexels<16>& texels, unsigned int bound, EtcSearchSpace& space)
-{
-	for (unsigned int channel = 0; channel < 3; ++channel)
+private:
+	static constexpr unsigned int kNone = 0xFFFFFFFF;
+
+	void offer(const HalfColour& first, const HalfColour& second)
 	{
-		for (unsigned int level = 0; level < kLevels; ++level)
+		const unsigned int error = first.error + second.error;
+		const bool isEarlier = (first.colour << 15 | second.colour) < (m_best.first << 15 | m_best.second);
+		if (error < m_best.error || (error < limit() && isEarlier))
 		{
-			precomputeModifierErrors<Scale>(texels, channel, static_cast<int>(expandBits(level, 5)), space.modifierErrors[channel][level]);
+			m_best = {error, first.colour, second.colour, m_isFlipped, true};
 		}
 	}
-	// A colour that is refused costs more than any pair may.
-	for (auto& errors : space.halfErrors)
+
+	const HalfColour* m_seconds;
+	bool m_isFlipped;
+	Pair& m_best;
+	Rows m_rows;
+};
+
+unsigned int listColours(EtcHalf half, unsigned int limit, const EtcSearchSpace& space, HalfColour* found)
+{
+	const HalfWalk walk{5, half, limit, false};
+	return withSimdLevel([&](auto level) { return walkHalf<level>(space, walk, found); });
+}
+
+void searchSplit(bool isFlipped, EtcSearchSpace& space, Pair& best)
+{
+	const EtcHalf half1 = isFlipped ? kTopHalf : kLeftHalf;
+	const EtcHalf half2 = isFlipped ? kBottomHalf : kRightHalf;
+	const unsigned int limit = best.error + (best.isFound ? 1 : 0); // see CPairSearch::limit
+	auto& [colours1, colours2] = space.halfColours;
+	const unsigned int bound2 = lowerBoundOfHalf(space, half2);
+	const unsigned int count1 = bound2 < limit ? listColours(half1, limit - bound2, space, colours1) : 0;
+	if (count1 == 0)
 	{
-		std::fill(std::begin(errors), std::end(errors), Scale::kBlockCeiling);
+		return;
 	}
-	visitBaseColours<kLevels>(space.modifierErrors, bound,
-	                          [&space](unsigned int red, unsigned int green, unsigned int blue, const HalfErrors& errors)
-	                          {
-		                          for (unsigned int half = 0; half < 4; ++half)
-		                          {
-			                          space.halfErrors[half][(red * kLevels + green) * kLevels + blue] = errors.at[half];
-		                          }
-	                          });
+	const unsigned int least1 = leastError(colours1, count1);
+	const unsigned int count2 = listColours(half2, limit - least1, space, colours2);
+	if (count2 == 0)
+	{
+		return;
+	}
+	const unsigned int least2 = leastError(colours2, count2);
+	CPairSearch pairs(space, count2, isFlipped, best);
+	for (unsigned int i = 0; i < count1; ++i)
+	{
+		if (colours1[i].error + least2 < pairs.limit())
+		{
+			pairs.searchSecondColours(colours1[i]);
+		}
+	}
 }
 
 template<typename Scale, typename Seed>
@@ -103,35 +170,25 @@ unsigned int search(Seed&& seed, const unsigned char* source, unsigned int width
 	EtcHalves halves;
 	const unsigned int seedError = seed(source, width, startX, startY, word1, word2, halves);
 	Pair best{std::min(seedError, bound)};
-	fillHalfErrors<Scale>(loadBlockColumns(source, width, startX, startY), best.error, space);
-	// No second colour is better than the best of all.
-	const auto& [lefts, rights, tops, bottoms] = space.halfErrors;
-	const unsigned int leastRight = *std::min_element(std::begin(rights), std::end(rights));
-	const unsigned int leastBottom = *std::min_element(std::begin(bottoms), std::end(bottoms));
-	for (int red = 0; red < kLevels; ++red)
+	prepareHalfWalks<Scale>(loadBlockColumns(source, width, startX, startY), 5, space);
+	for (const bool isFlipped : {false, true})
 	{
-		for (int green = 0; green < kLevels; ++green)
-		{
-			for (int blue = 0; blue < kLevels; ++blue)
-			{
-				const unsigned int index = colourIndex(red, green, blue);
-				if (std::min(lefts[index] + leastRight, tops[index] + leastBottom) < best.error)
-				{
-					searchSecondColours(space, red, green, blue, best);
-				}
-			}
-		}
+		searchSplit(isFlipped, space, best);
 	}
 	if (!best.isFound)
 	{
 		return seedError;
 	}
 
+	BaseColour first;
+	BaseColour second;
+	unpackColour(best.first, first);
+	unpackColour(best.second, second);
 	const auto result = best.isFlipped
 	                        ? encodeSplit<Scale, HalfShape::Flipped>(loadSplitTexels<HalfShape::Flipped>(source, width, startX, startY),
-	                                                                 ColourMode::Differential, best.first, best.second)
+	                                                                 ColourMode::Differential, first, second)
 	                        : encodeSplit<Scale, HalfShape::Upright>(loadSplitTexels<HalfShape::Upright>(source, width, startX, startY),
-	                                                                 ColourMode::Differential, best.first, best.second);
+	                                                                 ColourMode::Differential, first, second);
 	word1 = result.word1;
 	word2 = result.word2;
 	return result.error;

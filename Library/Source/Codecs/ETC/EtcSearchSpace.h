@@ -7,17 +7,24 @@
 
 namespace zortexture
 {
-/// Squared errors of the 16 texels (column by column) for one base colour, or for one channel of it: with each of the four modifiers
-/// of each table. The tables stand side by side because searches work on all of them at once.
-struct alignas(16) ModifierErrors
+/// Squared errors of the 16 texels (column by column) for one level of a base colour's channel: with each of the four modifiers of each
+/// table. The tables stand side by side because searches work on all of them at once.
+struct alignas(32) ModifierErrors
 {
-	unsigned int at[16][4][8];
+	std::int32_t at[16][4][8];
 };
 
 /// The errors of left, right, top and bottom half with each table.
-struct alignas(16) TableErrors
+struct alignas(32) TableErrors
 {
-	unsigned int at[4][8];
+	std::int32_t at[4][8];
+};
+
+/// A base colour, red in its highest bits, and what it costs a half of the block.
+struct HalfColour
+{
+	unsigned int colour;
+	unsigned int error;
 };
 
 /// What the 16 texels of a block cost at the 16 levels of one channel of a T or H block. Scaled down to 15 bits, see EtcThPairs.h.
@@ -37,10 +44,13 @@ struct EtcSearchSpace
 {
 	static constexpr unsigned int kColours5Bits = 32 * 32 * 32;
 
-	/// By channel and level of individual and differential colours.
+	/// Individual and differential colours by channel and level: each texel's errors, and those of the halves, where every texel has the
+	/// modifier that suits this channel best; then the least of these over the levels.
 	ModifierErrors modifierErrors[3][32];
-	/// The errors of left, right, top and bottom half by 5-bit colour.
-	unsigned int halfErrors[4][kColours5Bits];
+	TableErrors tableErrors[3][32];
+	TableErrors leastTableErrors[3];
+	/// The colours of both halves that may be in a block within the bound.
+	HalfColour halfColours[2][kColours5Bits];
 
 	/// T and H: by channel and by shift of the level; the tables by red, by green for each red, and by blue for each red and green.
 	LevelErrors offsets[3][17];

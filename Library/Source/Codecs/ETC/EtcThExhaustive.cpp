@@ -3,76 +3,13 @@
 #include <algorithm>
 
 #include "Codecs/ETC/EtcExhaustiveSearch.h"
+#include "Codecs/ETC/EtcPlainLanes.h"
 #include "Codecs/ETC/EtcThPairs.h"
 
 namespace zortexture
 {
 namespace
 {
-/// The errors of one texel at 16 levels: the plain form of the registers in EtcThPairs.simd.cpp.
-struct Levels
-{
-	std::int16_t lanes[16];
-
-	static Levels load(const std::int16_t (&values)[16])
-	{
-		Levels result;
-		std::copy_n(values, 16, result.lanes);
-		return result;
-	}
-	static Levels filled(std::int16_t value)
-	{
-		Levels result;
-		std::fill_n(result.lanes, 16, value);
-		return result;
-	}
-	void store(std::int16_t (&values)[16]) const
-	{
-		std::copy_n(lanes, 16, values);
-	}
-};
-
-template<typename Operation>
-Levels laneByLane(const Levels& a, const Levels& b, Operation&& operation)
-{
-	Levels result;
-	for (unsigned int i = 0; i < 16; ++i)
-	{
-		result.lanes[i] = static_cast<std::int16_t>(operation(a.lanes[i], b.lanes[i]));
-	}
-	return result;
-}
-
-Levels operator-(const Levels& a, const Levels& b)
-{
-	return laneByLane(a, b, [](int one, int other) { return one - other; });
-}
-
-Levels leastOf(const Levels& a, const Levels& b)
-{
-	return laneByLane(a, b, [](int one, int other) { return std::min(one, other); });
-}
-
-Levels addSaturated(const Levels& a, const Levels& b)
-{
-	return laneByLane(a, b, [](int one, int other) { return std::clamp(one + other, -32768, 32767); });
-}
-
-Levels scaledSquares(const Levels& a, int weight, int shift)
-{
-	return laneByLane(a, a, [=](int one, int other) { return std::min(weight * one * other >> shift, 32767); });
-}
-
-unsigned int lanesBelow(const Levels& a, const Levels& b)
-{
-	unsigned int bits = 0;
-	for (unsigned int i = 0; i < 16; ++i)
-	{
-		bits |= (a.lanes[i] < b.lanes[i] ? 1U : 0U) << i;
-	}
-	return bits;
-}
-
 /// The texels in an order in which the first ones differ most: each is the one farthest from all before it. Pairs of colours that do not
 /// fit a block are then refused by its first texels.
 SearchTexels<16> sortByContrast(const SearchTexels<16>& texels)
@@ -174,13 +111,13 @@ unsigned int search(Seed&& seed, Pack&& pack, const unsigned char* source, unsig
 template<>
 void walkPairs<eSimdPlain, TwoColourMode::T>(PairWalk& walk)
 {
-	CPairWalk<Levels, TwoColourMode::T>(walk).run();
+	CPairWalk<PlainLanes<std::int16_t, 16>, TwoColourMode::T>(walk).run();
 }
 
 template<>
 void walkPairs<eSimdPlain, TwoColourMode::H>(PairWalk& walk)
 {
-	CPairWalk<Levels, TwoColourMode::H>(walk).run();
+	CPairWalk<PlainLanes<std::int16_t, 16>, TwoColourMode::H>(walk).run();
 }
 
 unsigned int compressBlockTHUMB59TExhaustive(const unsigned char* source, unsigned int width, unsigned int startX, unsigned int startY,

@@ -75,8 +75,7 @@ constexpr ShiftedLevels kShiftedLevels = []
 	return levels;
 }();
 
-/// Written for `Levels`, the errors of one texel at 16 levels, 16-bit numbers side by side: registers or, in the plain form, an array.
-/// `Levels` comes from an unnamed namespace, so that every instance is its source's own.
+/// Written for `Levels`, the errors of one texel at 16 levels, 16-bit numbers side by side: WideLanes or PlainLanes.
 template<typename Levels, TwoColourMode Mode>
 class CPairWalk
 {
@@ -154,8 +153,8 @@ private:
 				const Levels colours = Levels::load(kShiftedLevels.colours[shift]);
 				for (unsigned int texel = 0; texel < 16; ++texel)
 				{
-					scaledSquares(colours - Levels::filled(m_walk.texels[channel][texel]), static_cast<int>(m_walk.weights[channel]),
-					              static_cast<int>(m_scale))
+					weightedSquares(colours - Levels::filled(m_walk.texels[channel][texel]), static_cast<int>(m_walk.weights[channel]),
+					                static_cast<int>(m_scale))
 					    .store(m_space.offsets[channel][shift].at[texel]);
 				}
 			}
@@ -171,7 +170,7 @@ private:
 		{
 			const auto paint = [&](unsigned int shift)
 			{
-				return addSaturated(Levels::filled(others[shift][texel]), Levels::load(offsets[shift].at[texel]));
+				return addSaturatedOf(Levels::filled(others[shift][texel]), Levels::load(offsets[shift].at[texel]));
 			};
 			Levels plain = Levels::filled(kCeiling);
 			if constexpr (Mode == TwoColourMode::T)
@@ -257,7 +256,7 @@ private:
 		Levels sum = Levels::filled(0);
 		for (unsigned int texel = 0; texel < 16; ++texel)
 		{
-			sum = addSaturated(sum, leastOf(Levels::filled(first.at[texel][level]), Levels::load(second.at[texel])));
+			sum = addSaturatedOf(sum, leastOf(Levels::filled(first.at[texel][level]), Levels::load(second.at[texel])));
 			if (texel % 4 == 3)
 			{
 				const unsigned int below = lanesBelow(sum, limit);
