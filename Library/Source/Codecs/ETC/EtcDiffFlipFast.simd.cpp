@@ -484,7 +484,9 @@ ZORT_INLINE void resolveHalf(const Search& search, unsigned int quantisation, un
 	else
 	{
 		matchPerceptual(redGreen, blue, base, choice);
-		for (tables &= tables - 1; tables != 0; tables &= tables - 1)
+		// No sum, no error: then the first table is the best.
+		tables = search.leastSums[quantisation][half] == 0 ? 0 : tables & (tables - 1);
+		for (; tables != 0; tables &= tables - 1)
 		{
 			HalfChoice rival;
 			rival.table = static_cast<unsigned int>(__builtin_ctz(tables));
@@ -553,6 +555,15 @@ ZORT_INLINE EtcCandidate resolveBlock(const Search& search, unsigned int quantis
 	return candidate;
 }
 
+/// The sum of the better split.
+ZORT_INLINE int leastTotal(const Search& search, unsigned int quantisation)
+{
+	const auto& sums = search.leastSums[quantisation];
+	const int upright = sums[Left] + sums[Right];
+	const int flipped = sums[Top] + sums[Bottom];
+	return flipped < upright ? flipped : upright;
+}
+
 /// Whether the flipped split is strictly better.
 template<EtcMeasure measure>
 ZORT_INLINE bool isFlippedBetter(const Search& search, unsigned int quantisation)
@@ -562,7 +573,8 @@ ZORT_INLINE bool isFlippedBetter(const Search& search, unsigned int quantisation
 	const int flipped = sums[Top] + sums[Bottom];
 	if constexpr (measure == EtcMeasure::Perceptual)
 	{
-		if (reachOfSum<measure>(upright) >= flipped && reachOfSum<measure>(flipped) >= upright)
+		const bool isSure = upright == 0 || reachOfSum<measure>(upright) < flipped || reachOfSum<measure>(flipped) < upright;
+		if (!isSure)
 		{
 			float errors[4];
 			for (unsigned int half = 0; half < 4; ++half)
@@ -576,10 +588,23 @@ ZORT_INLINE bool isFlippedBetter(const Search& search, unsigned int quantisation
 	}
 	return flipped < upright;
 }
+
+/// Whether both quantisations came to the same split and base colours, and so to the same block.
+ZORT_INLINE bool areSameColours(const Search& search, const bool (&isFlipped)[2])
+{
+	const unsigned int half = isFlipped[0] ? Top : Left;
+	bool areSame = isFlipped[0] == isFlipped[1] && search.isDifferential[0][half] == search.isDifferential[1][half];
+	for (unsigned int channel = 0; channel < 3; ++channel)
+	{
+		areSame &= search.levels[0][channel][half] == search.levels[1][channel][half];
+		areSame &= search.levels[0][channel][half + 1] == search.levels[1][channel][half + 1];
+	}
+	return areSame;
+}
 } // namespace
 
 template<ESimdLevel level, EtcMeasure measure>
-EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels)
+EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels, EtcCandidate& rival, bool& isOpen)
 {
 	using W = Weights<measure>;
 	Search search(texels);
@@ -621,28 +646,24 @@ EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels)
 	}
 
 	// By averages, unless the other is strictly better.
-	const bool isFlipped[2] = {isFlippedBetter<measure>(search, 0), isFlippedBetter<measure>(search, 1)};
-	int totals[2];
-	for (unsigned int quantisation = 0; quantisation < 2; ++quantisation)
-	{
-		const unsigned int half = isFlipped[quantisation] ? Top : Left;
-		totals[quantisation] = search.leastSums[quantisation][half] + search.leastSums[quantisation][half + 1];
-	}
+	isOpen = false;
+	const int totals[2] = {leastTotal(search, 0), leastTotal(search, 1)};
 	if (measure == EtcMeasure::Plain || reachOfSum<measure>(totals[0]) < totals[1] || reachOfSum<measure>(totals[1]) < totals[0])
 	{
 		const unsigned int winner = totals[1] < totals[0] ? 1 : 0;
-		return resolveBlock<measure>(search, winner, isFlipped[winner]);
+		return resolveBlock<measure>(search, winner, isFlippedBetter<measure>(search, winner));
 	}
+	const bool isFlipped[2] = {isFlippedBetter<measure>(search, 0), isFlippedBetter<measure>(search, 1)};
 	const EtcCandidate average = resolveBlock<measure>(search, 0, isFlipped[0]);
-	EtcCandidate joint = resolveBlock<measure>(search, 1, isFlipped[1]);
-	if (average.word1 == joint.word1 && average.word2 == joint.word2)
+	if (average.error == 0 || areSameColours(search, isFlipped))
 	{
 		return average;
 	}
-	joint.isOpen = average.error == joint.error;
-	return joint.error <= average.error ? joint : average;
+	rival = resolveBlock<measure>(search, 1, isFlipped[1]);
+	isOpen = average.error == rival.error;
+	return rival.error < average.error ? rival : average;
 }
 
-template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Plain>(const EtcTexelPairs&);
-template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Perceptual>(const EtcTexelPairs&);
+template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Plain>(const EtcTexelPairs&, EtcCandidate&, bool&);
+template EtcCandidate searchDiffFlipFast<kLanesLevel, EtcMeasure::Perceptual>(const EtcTexelPairs&, EtcCandidate&, bool&);
 } // namespace zortexture

@@ -41,14 +41,13 @@ struct EtcCandidate
 	unsigned int word1;
 	unsigned int word2;
 	unsigned int error;
-	/// Two candidates came out so close that only the order of floating-point additions tells which one the search takes: the plain form
-	/// has to be asked. Words and error mean nothing then.
-	bool isOpen;
 };
 
-/// The better of the individual and differential blocks by averages and by joint quantisation, words as stored.
+/// The better of the individual and differential blocks by averages and by joint quantisation, words as stored. Of a block by averages
+/// whose error is that of a different block by joint quantisation the first is given, the second in `rival`, and `isOpen` is set: as
+/// perceptual errors in floating point they may differ.
 template<ESimdLevel level, EtcMeasure measure>
-EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels);
+EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels, EtcCandidate& rival, bool& isOpen);
 
 /// The planar block by least squares.
 struct EtcPlanarFit

@@ -67,11 +67,16 @@ public:
 	{
 	}
 
-	/// The step of ETC1. False if only the plain form can tell.
-	bool searchDiffFlip()
+	/// The step of ETC1.
+	void searchDiffFlip()
 	{
-		m_best = searchDiffFlipFast<level, measure>(m_texels);
-		return !m_best.isOpen;
+		EtcCandidate rival;
+		bool isOpen = false;
+		m_best = searchDiffFlipFast<level, measure>(m_texels, rival, isOpen);
+		if (isOpen && measuredError(rival) < measuredError(m_best))
+		{
+			m_best = rival;
+		}
 	}
 
 	/// The candidate to go on from, words as stored.
@@ -118,12 +123,12 @@ public:
 	}
 
 private:
-	/// The error of a block as the plain ladder measures it.
+	/// The perceptual error of a block as the plain ladder measures it.
 	[[nodiscard]] double measuredError(const EtcCandidate& candidate) const
 	{
 		unsigned char decoded[16 * 3];
 		decompressBlockETC2(candidate.word1, candidate.word2, decoded, 4, 0, 0);
-		return calcBlockPerceptualErrorRGB(m_block.colours, decoded, 4, 0, 0) * 1000.0;
+		return calcBlockPerceptualErrorRGB(m_block.colours, decoded, 4, 0, 0);
 	}
 
 	/// Takes the candidate if it is strictly better.
@@ -132,7 +137,7 @@ private:
 		bool isBetter = candidate.error < m_best.error;
 		if (measure == EtcMeasure::Perceptual && candidate.error == m_best.error)
 		{
-			isBetter = measuredError(candidate) < measuredError(m_best);
+			isBetter = measuredError(candidate) * 1000.0 < measuredError(m_best) * 1000.0;
 		}
 		if (isBetter)
 		{
@@ -152,7 +157,7 @@ private:
 		{
 			return PlanarCorners{fit.levels[channel][0], fit.levels[channel][1], fit.levels[channel][2]};
 		};
-		EtcCandidate planar{0, 0, fit.error, false};
+		EtcCandidate planar{0, 0, fit.error};
 		unsigned int packed1 = 0;
 		unsigned int packed2 = 0;
 		packPlanarCorners(corners(0), corners(1), corners(2), packed1, packed2);
@@ -195,7 +200,7 @@ private:
 		decompressColor(4, 4, 4, packed.colours, colours);
 		paintColoursT(distance, colours, paint);
 		unsigned int indices = 0;
-		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices), false};
+		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices)};
 		stuff59bits(packRgb444(packed.colours[0]) << 15 | packRgb444(packed.colours[1]) << 3 | distance, indices, candidate.word1,
 		            candidate.word2);
 		return candidate;
@@ -209,7 +214,7 @@ private:
 		decompressColor(4, 4, 4, sorted.colours, colours);
 		paintColoursH(distance, colours, paint);
 		unsigned int indices = 0;
-		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices), false};
+		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices)};
 		unsigned int first = packRgb444(sorted.colours[0]);
 		unsigned int second = packRgb444(sorted.colours[1]);
 		if ((distance & 1) != 0)
@@ -310,7 +315,7 @@ private:
 		bool isBetter = refinement.candidate.error < m_best.error;
 		if (measure == EtcMeasure::Perceptual && refinement.candidate.error == m_best.error)
 		{
-			isBetter = refinement.candidate.error < measuredError(m_best);
+			isBetter = refinement.candidate.error < measuredError(m_best) * 1000.0;
 		}
 		if (isBetter)
 		{
@@ -368,33 +373,33 @@ private:
 	EtcCandidate m_best{};
 };
 
-/// False if the plain form has to be asked.
 template<ESimdLevel level, EtcMeasure measure>
-bool compress(const TexelBlock& block, unsigned int format, unsigned int& word1, unsigned int& word2)
+void compress(const TexelBlock& block, unsigned int format, unsigned int& word1, unsigned int& word2)
 {
 	CFastLadder<level, measure> ladder(block);
-	if (!ladder.searchDiffFlip())
-	{
-		return false;
-	}
+	ladder.searchDiffFlip();
 	if (format != ePF_ETC1)
 	{
 		ladder.tryFurtherModes();
 	}
 	ladder.give(word1, word2);
-	return true;
 }
 } // namespace
 
 template<ESimdLevel level>
 void compressColoursFast(const TexelBlock& texels, unsigned int format, int quality, unsigned int& word1, unsigned int& word2)
 {
-	const bool isDone =
-	    format != ePF_ETC2_RGB_A1 && (quality == ETCQualityFast ? compress<level, EtcMeasure::Plain>(texels, format, word1, word2)
-	                                                            : compress<level, EtcMeasure::Perceptual>(texels, format, word1, word2));
-	if (!isDone)
+	if (format == ePF_ETC2_RGB_A1)
 	{
 		compressColoursFast<eSimdPlain>(texels, format, quality, word1, word2);
+	}
+	else if (quality == ETCQualityFast)
+	{
+		compress<level, EtcMeasure::Plain>(texels, format, word1, word2);
+	}
+	else
+	{
+		compress<level, EtcMeasure::Perceptual>(texels, format, word1, word2);
 	}
 }
 
