@@ -128,9 +128,9 @@ private:
 	Rows m_rows;
 };
 
-unsigned int listColours(EtcHalf half, unsigned int limit, const EtcSearchSpace& space, HalfColour* found)
+unsigned int listColours(EtcHalf half, unsigned int limit, EtcSearchSpace& space, HalfColour* found)
 {
-	const HalfWalk walk{5, half, limit, false};
+	const HalfWalk walk{half, limit, false};
 	return withSimdLevel([&](auto level) { return walkHalf<level>(space, walk, found); });
 }
 
@@ -170,6 +170,10 @@ unsigned int search(Seed&& seed, const unsigned char* source, unsigned int width
 	EtcHalves halves;
 	const unsigned int seedError = seed(source, width, startX, startY, word1, word2, halves);
 	Pair best{std::min(seedError, bound)};
+	if (best.error == 0)
+	{
+		return seedError;
+	}
 	prepareHalfWalks<Scale>(loadBlockColumns(source, width, startX, startY), 5, space);
 	for (const bool isFlipped : {false, true})
 	{

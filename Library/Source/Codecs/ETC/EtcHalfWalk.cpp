@@ -5,16 +5,16 @@
 namespace zortexture
 {
 using Tables = PlainLanes<std::int32_t, 8>;
+using TablePairs = PlainLanes<std::int16_t, 16>;
 
 template<>
-void fillModifierErrors<eSimdPlain>(const unsigned char (&texels)[3][16], const unsigned int (&weights)[3], unsigned int bits,
-                                    EtcSearchSpace& space)
+void fillTableErrors<eSimdPlain>(EtcSearchSpace& space)
 {
-	fillModifierErrorsBy<Tables>(texels, weights, bits, space);
+	fillTableErrorsBy<Tables, TablePairs>(space);
 }
 
 template<>
-unsigned int walkHalf<eSimdPlain>(const EtcSearchSpace& space, const HalfWalk& walk, HalfColour* found)
+unsigned int walkHalf<eSimdPlain>(EtcSearchSpace& space, const HalfWalk& walk, HalfColour* found)
 {
 	return walkHalfBy<Tables>(space, walk, found);
 }

@@ -5,20 +5,20 @@
 namespace zortexture
 {
 using Tables = WideLanes<std::int32_t, 8>;
+using TablePairs = WideLanes<std::int16_t, 16>;
 
 template<ESimdLevel level>
-void fillModifierErrors(const unsigned char (&texels)[3][16], const unsigned int (&weights)[3], unsigned int bits, EtcSearchSpace& space)
+void fillTableErrors(EtcSearchSpace& space)
 {
-	fillModifierErrorsBy<Tables>(texels, weights, bits, space);
+	fillTableErrorsBy<Tables, TablePairs>(space);
 }
 
 template<ESimdLevel level>
-unsigned int walkHalf(const EtcSearchSpace& space, const HalfWalk& walk, HalfColour* found)
+unsigned int walkHalf(EtcSearchSpace& space, const HalfWalk& walk, HalfColour* found)
 {
 	return walkHalfBy<Tables>(space, walk, found);
 }
 
-template void fillModifierErrors<kLanesLevel>(const unsigned char (&texels)[3][16], const unsigned int (&weights)[3], unsigned int bits,
-                                              EtcSearchSpace& space);
-template unsigned int walkHalf<kLanesLevel>(const EtcSearchSpace& space, const HalfWalk& walk, HalfColour* found);
+template void fillTableErrors<kLanesLevel>(EtcSearchSpace& space);
+template unsigned int walkHalf<kLanesLevel>(EtcSearchSpace& space, const HalfWalk& walk, HalfColour* found);
 } // namespace zortexture

@@ -1,5 +1,9 @@
 /// @file EtcIndividualExhaustive.cpp
 /// All individual blocks. The halves do not interact, so each is searched for the first of its best colours.
+///
+/// What the search gives is defined by a walk over the colours for all halves at once, which leaves out colours whose red and green
+/// cost every half as much as the bound does by then. They can be in a block that is as good as the bound, where they cost one half
+/// all of its error and the other half costs nothing: where that comes about the walk is made.
 #include <algorithm>
 
 #include "Codecs/ETC/EtcExhaustiveSearch.h"
@@ -10,7 +14,7 @@ namespace zortexture
 {
 namespace
 {
-constexpr int kLevels = 16;
+constexpr unsigned int kLevels = 16;
 
 /// What a 4-bit colour costs left, right, top and bottom half with the best tables, in its first channels alone.
 template<typename Scale>
@@ -48,61 +52,27 @@ unsigned int errorOf(const EtcHalves& halves)
 	return std::min(halves.errors[kLeftHalf] + halves.errors[kRightHalf], halves.errors[kTopHalf] + halves.errors[kBottomHalf]);
 }
 
-/// The search as it is defined: all halves at once, without colours whose red, or whose red and green, cost every half as much as the
-/// bound.
-template<typename Scale>
-void walkAllHalves(const SearchTexels<16>& texels, unsigned int bound, EtcHalves& best)
+void unpackColour(unsigned int packed, BaseColour& colour)
 {
-	BaseColour colour;
-	const auto leastOfHalves = [&](unsigned int channels)
-	{
-		unsigned int errors[4];
-		errorsOfHalves<Scale>(texels, colour, channels, errors);
-		return *std::min_element(errors, errors + 4);
-	};
-	for (colour[0] = 0; colour[0] < kLevels; ++colour[0])
-	{
-		if (leastOfHalves(1) >= bound)
-		{
-			continue;
-		}
-		for (colour[1] = 0; colour[1] < kLevels; ++colour[1])
-		{
-			if (leastOfHalves(2) >= bound)
-			{
-				continue;
-			}
-			for (colour[2] = 0; colour[2] < kLevels; ++colour[2])
-			{
-				unsigned int errors[4];
-				errorsOfHalves<Scale>(texels, colour, 3, errors);
-				for (unsigned int half = 0; half < 4; ++half)
-				{
-					if (errors[half] < best.errors[half])
-					{
-						best.errors[half] = errors[half];
-						std::copy_n(colour, 3, best.colours[half]);
-					}
-				}
-				bound = std::min(bound, errorOf(best));
-			}
-		}
-	}
+	colour[0] = static_cast<int>(packed >> 8);
+	colour[1] = static_cast<int>(packed >> 4 & 15);
+	colour[2] = static_cast<int>(packed & 15);
+}
+
+unsigned int listColours(const HalfWalk& walk, EtcSearchSpace& space, HalfColour* found)
+{
+	return withSimdLevel([&](auto level) { return walkHalf<level>(space, walk, found); });
 }
 
 /// Gives a half the first of its best colours if one is better than what it has, and below the limit.
 void searchHalf(EtcHalf half, unsigned int limit, EtcSearchSpace& space, EtcHalves& best)
 {
-	const HalfWalk walk{4, half, std::min(limit, best.errors[half]), true};
 	HalfColour* found = space.halfColours[0];
-	const unsigned int count = withSimdLevel([&](auto level) { return walkHalf<level>(space, walk, found); });
+	const unsigned int count = listColours({half, std::min(limit, best.errors[half]), true}, space, found);
 	if (count > 0)
 	{
-		const HalfColour& last = found[count - 1];
-		best.errors[half] = last.error;
-		best.colours[half][0] = static_cast<int>(last.colour >> 8);
-		best.colours[half][1] = static_cast<int>(last.colour >> 4 & 15);
-		best.colours[half][2] = static_cast<int>(last.colour & 15);
+		best.errors[half] = found[count - 1].error;
+		unpackColour(found[count - 1].colour, best.colours[half]);
 	}
 }
 
@@ -120,21 +90,69 @@ void searchSplit(EtcHalf half1, EtcHalf half2, unsigned int bound, EtcSearchSpac
 	}
 }
 
-/// Whether walkAllHalves may not have come by what was found: a colour that costs a half as much as the best block, none of it in
-/// blue, is left out there once the bound is as low.
+/// Whether a colour's red and green cost every half as much as the error.
 template<typename Scale>
-bool mayBeLeftOut(const SearchTexels<16>& texels, const EtcHalves& seed, const EtcHalves& best)
+bool isLeftOut(const SearchTexels<16>& texels, const BaseColour& colour, unsigned int error)
+{
+	unsigned int errors[4];
+	errorsOfHalves<Scale>(texels, colour, 2, errors);
+	return *std::min_element(errors, errors + 4) >= error;
+}
+
+/// Walks all halves at once to blocks of an error that is known to be the least. From the first such block on, or from the
+/// beginning if the bound is as low, colours that are left out do not count.
+template<typename Scale>
+void walkAllHalves(const SearchTexels<16>& texels, unsigned int bound, unsigned int error, EtcSearchSpace& space, EtcHalves& best)
+{
+	constexpr unsigned int kColours = kLevels * kLevels * kLevels;
+	const HalfColour* next[4];
+	const HalfColour* end[4];
+	for (unsigned int half = 0; half < 4; ++half)
+	{
+		HalfColour* found = space.halfColours[0] + half * kColours;
+		next[half] = found;
+		end[half] = found + listColours({static_cast<EtcHalf>(half), error + 1, false}, space, found);
+	}
+	for (unsigned int colour = 0; colour < kColours; ++colour)
+	{
+		BaseColour levels;
+		unpackColour(colour, levels);
+		unsigned int errors[4];
+		bool isBetter = false;
+		for (unsigned int half = 0; half < 4; ++half)
+		{
+			const bool isListed = next[half] != end[half] && next[half]->colour == colour;
+			errors[half] = isListed ? next[half]->error : error + 1;
+			next[half] += isListed ? 1 : 0;
+			isBetter |= isListed && errors[half] < best.errors[half];
+		}
+		// A colour that costs some half less is never left out.
+		if (!isBetter || (*std::min_element(errors, errors + 4) == error && std::min(bound, errorOf(best)) == error &&
+		                  isLeftOut<Scale>(texels, levels, error)))
+		{
+			continue;
+		}
+		for (unsigned int half = 0; half < 4; ++half)
+		{
+			if (errors[half] < best.errors[half])
+			{
+				best.errors[half] = errors[half];
+				std::copy_n(levels, 3, best.colours[half]);
+			}
+		}
+	}
+}
+
+/// Whether walkAllHalves may give other colours: one that costs a half as much as the best block may be left out there.
+template<typename Scale>
+bool dependsOnOrder(const SearchTexels<16>& texels, const EtcHalves& seed, const EtcHalves& best)
 {
 	for (unsigned int half = 0; half < 4; ++half)
 	{
-		if (best.errors[half] < seed.errors[half] && best.errors[half] == errorOf(best))
+		if (best.errors[half] < seed.errors[half] && best.errors[half] == errorOf(best) &&
+		    isLeftOut<Scale>(texels, best.colours[half], errorOf(best)))
 		{
-			unsigned int errors[4];
-			errorsOfHalves<Scale>(texels, best.colours[half], 2, errors);
-			if (*std::min_element(errors, errors + 4) >= best.errors[half])
-			{
-				return true;
-			}
+			return true;
 		}
 	}
 	return false;
@@ -145,18 +163,22 @@ unsigned int search(Seed&& seedSearch, const unsigned char* source, unsigned int
                     unsigned int& word1, unsigned int& word2, unsigned int bound, EtcSearchSpace& space)
 {
 	EtcHalves seed;
-	bound = std::min(bound, seedSearch(source, width, startX, startY, word1, word2, seed));
+	const unsigned int seedError = seedSearch(source, width, startX, startY, word1, word2, seed);
+	bound = std::min(bound, seedError);
+	if (bound == 0)
+	{
+		return seedError; // every colour is left out
+	}
 	const SearchTexels<16> texels = loadBlockColumns(source, width, startX, startY);
 	prepareHalfWalks<Scale>(texels, 4, space);
 	EtcHalves best = seed;
 	searchSplit(kLeftHalf, kRightHalf, bound, space, best);
 	searchSplit(kTopHalf, kBottomHalf, std::min(bound, best.errors[kLeftHalf] + best.errors[kRightHalf]), space, best);
 	const unsigned int error = errorOf(best);
-	if (error <= bound && mayBeLeftOut<Scale>(texels, seed, best))
+	if (error <= bound && dependsOnOrder<Scale>(texels, seed, best))
 	{
-		// Whatever costs more is of no consequence, but whether the bound is already as low.
 		best = seed;
-		walkAllHalves<Scale>(texels, std::min(bound, error + 1), best);
+		walkAllHalves<Scale>(texels, bound, error, space, best);
 	}
 
 	const bool isFlipped = best.errors[kTopHalf] + best.errors[kBottomHalf] < best.errors[kLeftHalf] + best.errors[kRightHalf];

@@ -68,6 +68,30 @@ PlainLanes<std::int16_t, N> addSaturatedOf(const PlainLanes<std::int16_t, N>& a,
 	return laneByLane(a, b, [](int one, int other) { return std::clamp(one + other, -32768, 32767); });
 }
 
+template<typename T, unsigned int N>
+PlainLanes<T, N> absoluteOf(const PlainLanes<T, N>& a)
+{
+	return laneByLane(a, a, [](int one, int /*other*/) { return one < 0 ? -one : one; });
+}
+
+template<unsigned int N>
+PlainLanes<std::int32_t, N> multiplied(const PlainLanes<std::int32_t, N>& a, std::int32_t factor)
+{
+	return laneByLane(a, a, [factor](int one, int /*other*/) { return one * factor; });
+}
+
+/// The sums of the squares of lanes 2n and 2n + 1, in lane n.
+template<unsigned int N>
+PlainLanes<std::int32_t, N / 2> sumsOfSquares(const PlainLanes<std::int16_t, N>& a)
+{
+	PlainLanes<std::int32_t, N / 2> sums;
+	for (unsigned int i = 0; i < N / 2; ++i)
+	{
+		sums.lanes[i] = a.lanes[i * 2] * a.lanes[i * 2] + a.lanes[i * 2 + 1] * a.lanes[i * 2 + 1];
+	}
+	return sums;
+}
+
 /// weight * a * a, for a from -255 to 255.
 template<unsigned int N>
 PlainLanes<std::int32_t, N> weightedSquares(const PlainLanes<std::int32_t, N>& a, int weight)

@@ -20,6 +20,15 @@ struct alignas(32) TableErrors
 	std::int32_t at[4][8];
 };
 
+/// A block of individual or differential colours at hand.
+struct EtcBlockColumns
+{
+	unsigned char texels[3][16]; ///< By channel, in the order of columns.
+	unsigned int weights[3];
+	unsigned int bits;      ///< Of a channel of the base colours.
+	unsigned int filled[3]; ///< By channel, a bit for each level whose modifier errors are there.
+};
+
 /// A base colour, red in its highest bits, and what it costs a half of the block.
 struct HalfColour
 {
@@ -44,6 +53,7 @@ struct EtcSearchSpace
 {
 	static constexpr unsigned int kColours5Bits = 32 * 32 * 32;
 
+	EtcBlockColumns columns;
 	/// Individual and differential colours by channel and level: each texel's errors, and those of the halves, where every texel has the
 	/// modifier that suits this channel best; then the least of these over the levels.
 	ModifierErrors modifierErrors[3][32];

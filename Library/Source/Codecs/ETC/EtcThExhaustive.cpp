@@ -96,6 +96,10 @@ unsigned int search(Seed&& seed, Pack&& pack, const unsigned char* source, unsig
                     unsigned int& word1, unsigned int& word2, unsigned int bound, EtcSearchSpace& space)
 {
 	const auto seedError = static_cast<unsigned int>(seed(source, width, startX, startY, word1, word2));
+	if (std::min(seedError, bound) == 0)
+	{
+		return seedError;
+	}
 	const SearchTexels<16> texels = loadBlockTexels(source, width, startX, startY);
 	CBestPair<Scale, Mode> pairs(texels, std::min(seedError, bound));
 	if (!pairs.search(space))

@@ -59,6 +59,34 @@ ZORT_WIDE_BINARY(greatestOf, greatest(a.parts[i], b.parts[i]))
 ZORT_WIDE_BINARY(addSaturatedOf, addSaturated(a.parts[i], b.parts[i]))
 #undef ZORT_WIDE_BINARY
 
+template<typename T, unsigned int N>
+ZORT_INLINE WideLanes<T, N> absoluteOf(WideLanes<T, N> a)
+{
+	return greatestOf(a, WideLanes<T, N>::filled(0) - a);
+}
+
+template<unsigned int N>
+ZORT_INLINE WideLanes<std::int32_t, N> multiplied(WideLanes<std::int32_t, N> a, std::int32_t factor)
+{
+	for (I32& part : a.parts)
+	{
+		part = part * I32::filled(factor);
+	}
+	return a;
+}
+
+/// The sums of the squares of lanes 2n and 2n + 1, in lane n.
+template<unsigned int N>
+ZORT_INLINE WideLanes<std::int32_t, N / 2> sumsOfSquares(WideLanes<std::int16_t, N> a)
+{
+	WideLanes<std::int32_t, N / 2> sums;
+	for (unsigned int i = 0; i < a.kParts; ++i)
+	{
+		sums.parts[i] = sumsOfProducts(a.parts[i], a.parts[i]);
+	}
+	return sums;
+}
+
 /// weight * a * a, for a from -255 to 255.
 template<unsigned int N>
 ZORT_INLINE WideLanes<std::int32_t, N> weightedSquares(WideLanes<std::int32_t, N> a, int weight)
