@@ -3,11 +3,14 @@
 
 #include "Codecs/ETC/EacBlock.h"
 #include "EtcTestSupport.h"
+#include "Simd/SimdLevels.h"
 
 namespace zortexture
 {
 namespace
 {
+constexpr ESimdLevel kLevels[] = {eSimdPlain, eSimdSse2, eSimdAvx2};
+
 int modifier(int table, int index)
 {
 	return index < 4 ? alphaBase[table][3 - index] : -alphaBase[table][7 - index] - 1;
@@ -29,8 +32,9 @@ int value11(int base, int table, int multiplier, int index, bool isSigned)
 	return value < 0 ? -(-value * 32 + -value / 32) : value * 32 + value / 32;
 }
 
-/// The whole error of a parameter set. A difference is a 16-bit number that wraps: its distance from 0 is at most 32768.
-std::int64_t wrappingError(const Values16& texels, const int (&candidates)[8])
+/// The error of a parameter set, as far as it is below `limit`. A difference is a 16-bit number that wraps: its distance from 0 is at
+/// most 32768.
+std::int64_t wrappingError(const Values16& texels, const int (&candidates)[8], std::int64_t limit)
 {
 	std::int64_t sum = 0;
 	for (const int texel : texels)
@@ -43,6 +47,10 @@ std::int64_t wrappingError(const Values16& texels, const int (&candidates)[8])
 			least = std::min(least, wrapped * wrapped);
 		}
 		sum += least;
+		if (sum >= limit)
+		{
+			break;
+		}
 	}
 	return sum;
 }
@@ -62,7 +70,7 @@ std::array<unsigned char, 8> bruteForce16(const Values16& texels, bool isSigned)
 	for (int set = 0; set < 65536; ++set)
 	{
 		decode(set >> 8, (set >> 4) & 15, set & 15);
-		const std::int64_t error = wrappingError(texels, candidates);
+		const std::int64_t error = wrappingError(texels, candidates, least);
 		if (error < least)
 		{
 			least = error;
@@ -104,7 +112,7 @@ TEST(EacCompress16, GivesTheBlockOfTheSearchWithoutShortCuts)
 		return static_cast<std::uint16_t>(random());
 	};
 	std::vector<Values16> blocks;
-	for (int round = 0; round < 2; ++round)
+	for (int round = 0; round < 4; ++round)
 	{
 		Values16 noise;
 		std::generate(noise.begin(), noise.end(), value);
@@ -132,6 +140,17 @@ TEST(EacCompress16, GivesTheBlockOfTheSearchWithoutShortCuts)
 			blocks.push_back(wrapping);
 		}
 	}
+	// Near one end of the range, but for two texels just across the wrap: far below (above) all values that fit the others, and yet near.
+	for (const int top : {0xFFFF, 0x0000, 0x7FFF, 0x8000})
+	{
+		const int inwards = top == 0xFFFF || top == 0x7FFF ? -1 : 1;
+		Values16 across;
+		for (int i = 0; i < 16; ++i)
+		{
+			across[static_cast<unsigned int>(i)] = static_cast<std::uint16_t>(top + inwards * (i % 8 == 5 ? -1 - i : i * 257));
+		}
+		blocks.push_back(across);
+	}
 	const std::uint16_t extremes[4] = {0x0000, 0xFFFF, 0x8000, 0x7FFF};
 	Values16 ends;
 	for (unsigned int i = 0; i < 16; ++i)
@@ -156,10 +175,15 @@ TEST(EacCompress16, GivesTheBlockOfTheSearchWithoutShortCuts)
 		}
 		for (const bool isSigned : {false, true})
 		{
-			std::array<unsigned char, 8> block{};
-			compressBlockAlpha16(image.data() + 1, 2, 3, 1, 7, block.data(), isSigned,
-			                     isSigned ? valueTableSigned() : valueTableUnsigned());
-			ASSERT_EQ(block, bruteForce16(texels, isSigned)) << "signed " << isSigned << ", first texel " << texels[0];
+			const std::array<unsigned char, 8> expected = bruteForce16(texels, isSigned);
+			for (const ESimdLevel level : kLevels)
+			{
+				const ForcedSimdLevel forced(level);
+				std::array<unsigned char, 8> block{};
+				compressBlockAlpha16(image.data() + 1, 2, 3, 1, 7, block.data(), isSigned,
+				                     isSigned ? valueTableSigned() : valueTableUnsigned());
+				ASSERT_EQ(block, expected) << "level " << level << ", signed " << isSigned << ", first texel " << texels[0];
+			}
 		}
 	}
 }
@@ -310,13 +334,20 @@ TEST(EacCompress8, FollowsThePasses)
 		default:
 			break;
 		}
-		std::array<unsigned char, 8> block{};
-		compressBlockAlphaFast(texels.data(), 0, 0, 4, block.data(), alphaTable);
-		ASSERT_EQ(block, passes8(texels, false)) << "fast, round " << round;
-		if (round % 3 == 0)
+		for (const bool slow : {false, true})
 		{
-			compressBlockAlphaSlow(texels.data(), 0, 0, 4, block.data(), alphaTable);
-			ASSERT_EQ(block, passes8(texels, true)) << "slow, round " << round;
+			if (slow && round % 3 != 0)
+			{
+				continue;
+			}
+			const std::array<unsigned char, 8> expected = passes8(texels, slow);
+			for (const ESimdLevel level : kLevels)
+			{
+				const ForcedSimdLevel forced(level);
+				std::array<unsigned char, 8> block{};
+				(slow ? compressBlockAlphaSlow : compressBlockAlphaFast)(texels.data(), 0, 0, 4, block.data(), alphaTable);
+				ASSERT_EQ(block, expected) << "level " << level << ", slow " << slow << ", round " << round;
+			}
 		}
 	}
 }

@@ -2,7 +2,7 @@
 // order, but most sets are never looked at: a lower bound of their error shows that they cannot win.
 
 #include <algorithm>
-#include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "EacBlock.h"
@@ -41,18 +41,20 @@ int ordered(std::uint16_t value, bool isSigned)
 	return isSigned ? value ^ 0x8000 : value;
 }
 
+/// The parameters of a block.
+struct Parameters
+{
+	unsigned int base;
+	unsigned int table;
+	unsigned int multiplier;
+};
+
 /// The search of one block. Multipliers from 1 on only reach values that lie whole steps apart (a step is 8 of the 2048 values), the
 /// same ones for all of them, so that the distances of the texels from these are worked out once.
+template<ESimdLevel level>
 class Search
 {
 public:
-	struct Parameters
-	{
-		unsigned int base;
-		unsigned int table;
-		unsigned int multiplier;
-	};
-
 	Search(const std::uint16_t (&texels)[16], bool isSigned, const std::uint16_t* valueTable)
 	    : m_texels(texels), m_isSigned(isSigned), m_valueTable(valueTable),
 	      m_distances(texels, -1, 256, [this](int step) { return valueOf(step); })
@@ -61,7 +63,7 @@ public:
 		{
 			m_ordered[i] = ordered(texels[i], isSigned);
 		}
-		const auto ends = std::minmax_element(m_ordered, m_ordered + 16);
+		const auto ends = std::minmax_element(std::begin(m_ordered), std::end(m_ordered));
 		m_low = *ends.first;
 		m_high = *ends.second;
 	}
@@ -96,7 +98,9 @@ public:
 	}
 
 private:
-	static constexpr int kStepCount = EacDistances::kLastStep - EacDistances::kFirstStep + 1;
+	using Distances = EacDistances<level>;
+	static constexpr int kFirstStep = Distances::kFirstStep;
+	static constexpr int kStepCount = Distances::kLastStep - kFirstStep + 1;
 	static constexpr int kUnreachable = std::numeric_limits<int>::max() / 2;
 
 	std::uint16_t valueOf(int step) const
@@ -151,7 +155,7 @@ private:
 		{
 			return;
 		}
-		if (error >= std::int64_t{EacDistances::kFar} * EacDistances::kFar)
+		if (error >= std::int64_t{kEacFar} * kEacFar)
 		{
 			error =
 			    static_cast<std::int64_t>(calcError(m_texels, 1, 0, 0, 4, base, table, multiplier, kWorstError, m_valueTable, m_isSigned));
@@ -161,85 +165,44 @@ private:
 			}
 		}
 		m_bestError = error;
-		m_bestRoot = std::sqrt(static_cast<double>(error));
 		m_bestSet = set;
 	}
 
-	/// Returns the error, which may be too small where it is not exact.
-	int tryCoarse(unsigned int base, unsigned int table, unsigned int multiplier)
+	/// All tables.
+	void tryCoarse(unsigned int base, int multiplier)
 	{
-		const std::array<int, 8>& offsets = alphaTable[multiplier * 16 + table];
-		const std::int16_t* centre = m_distances.row(centreOf(base));
-		const auto at = [&](unsigned int index)
+		int errors[16];
+		EacSums<level>::tableErrors(m_distances.row(centreOf(base)), multiplier, errors);
+		for (unsigned int table = 0; table < 16; ++table)
 		{
-			return centre + std::ptrdiff_t{offsets[index]} * 16;
-		};
-		const std::int16_t* const a = at(0);
-		const std::int16_t* const b = at(1);
-		const std::int16_t* const c = at(2);
-		const std::int16_t* const d = at(3);
-		const std::int16_t* const e = at(4);
-		const std::int16_t* const f = at(5);
-		const std::int16_t* const g = at(6);
-		const std::int16_t* const h = at(7);
-		int sum = 0;
-		for (unsigned int i = 0; i < 16; ++i)
-		{
-			const std::int16_t least =
-			    std::min(std::min(std::min(a[i], b[i]), std::min(c[i], d[i])), std::min(std::min(e[i], f[i]), std::min(g[i], h[i])));
-			sum += least * least;
+			consider(errors[table], base, table, static_cast<unsigned int>(multiplier));
 		}
-		consider(sum, base, table, multiplier);
-		return sum;
-	}
-
-	/// How many of the bases that follow one of this error cannot win. From base to base a value moves by at most 257, and so the root
-	/// of the sum of sixteen squares by four times that.
-	int hopeless(int error) const
-	{
-		constexpr double kSlope = 4 * 257;
-		constexpr double kRounding = 1e-6;
-		return std::max(static_cast<int>((std::sqrt(static_cast<double>(error)) - m_bestRoot) * (1 / kSlope) - kRounding), 0);
 	}
 
 	void tryFinest(unsigned int base)
 	{
+		EacRow rows[8];
 		for (unsigned int table = 0; table < 16; ++table)
 		{
-			const std::uint16_t* values = m_valueTable + getPremulIndex(base, table, 0, 0);
-			std::int16_t least[16];
-			std::fill_n(least, 16, EacDistances::kFar);
-			for (unsigned int index = 0; index < 8; ++index)
-			{
-				std::int16_t distances[16];
-				EacDistances::fill(m_texels, values[index], distances);
-				for (unsigned int i = 0; i < 16; ++i)
-				{
-					least[i] = std::min(least[i], distances[i]);
-				}
-			}
-			int sum = 0;
-			for (const std::int16_t distance : least)
-			{
-				sum += distance * distance;
-			}
-			consider(sum, base, table, 0);
+			EacSums<level>::fillRows(m_texels, m_valueTable + getPremulIndex(base, table, 0, 0), 8, rows);
+			int error = 0;
+			EacSums<level>::leastErrors(rows, 0, 7, 1, rows[0], rows[0], &error);
+			consider(error, base, table, 0);
 		}
 	}
 
-	/// A good first guess: for each table, the multipliers whose spread fits that of the texels.
+	/// A good first guess: the multipliers by which some table's spread fits that of the texels.
 	void seed()
 	{
 		const int middle = (m_low + m_high) / 2;
-		for (unsigned int table = 0; table < 16; ++table)
+		const auto fitting = [&](unsigned int table)
 		{
-			const int spread = -2 * alphaBase[table][0] - 1; // between the outermost modifiers, in steps
-			const int fitting = (m_high - m_low) / (spread * 256);
-			for (int multiplier = std::max(fitting, 1); multiplier <= std::min(fitting + 1, 15); ++multiplier)
-			{
-				const int base = (middle + multiplier * 128) / 256;
-				tryCoarse(static_cast<unsigned int>(std::min(base, 255)), table, static_cast<unsigned int>(multiplier));
-			}
+			return (m_high - m_low) / ((-2 * alphaBase[table][0] - 1) * 256); // by the steps between the outermost modifiers
+		};
+		const int last = std::min(fitting(15) + 1, 15);
+		for (int multiplier = std::max(fitting(0), 1); multiplier <= last; ++multiplier)
+		{
+			tryCoarse(static_cast<unsigned int>(std::min((middle + multiplier * 128) / 256, 255)), multiplier);
 		}
 		if (m_high - m_low < 8 * 256)
 		{
@@ -253,54 +216,53 @@ private:
 	{
 		std::fill_n(m_below, kStepCount, kUnreachable);
 		std::fill_n(m_above, kStepCount, kUnreachable);
-		const auto square = [](int distance, int toEnd)
+		EacRow texels;
+		EacRow toFirst;
+		EacRow toLast;
+		for (unsigned int i = 0; i < 16; ++i)
 		{
-			const int nearest = std::min({distance, toEnd, int{EacDistances::kFar}});
-			return nearest * nearest;
+			texels[i] = static_cast<std::int16_t>(m_ordered[i] - 32768);
+			toFirst[i] = static_cast<std::int16_t>(std::min(m_ordered[i] + 1, int{kEacFar}));
+			toLast[i] = static_cast<std::int16_t>(std::min(65536 - m_ordered[i], int{kEacFar}));
+		}
+		const auto beyond = [&](int row, const EacRow& ends, bool isAbove)
+		{
+			const auto value = static_cast<std::int16_t>(orderedStep(row) - 32768);
+			return EacSums<level>::errorBeyond(*m_distances.row(row + kFirstStep), ends, texels, value, isAbove);
 		};
-		m_endBelow = enclosingLow() - EacDistances::kFirstStep;
+		m_endBelow = enclosingLow() - kFirstStep;
 		std::fill_n(m_below, m_endBelow, 0);
 		for (; m_endBelow < kStepCount; ++m_endBelow)
 		{
-			const int value = orderedStep(m_endBelow);
-			int sum = 0;
-			for (unsigned int i = 0; i < 16 && value > m_low; ++i)
-			{
-				sum += m_ordered[i] < value ? square(value - m_ordered[i], m_ordered[i] + 1) : 0;
-			}
-			if (sum > m_bestError)
+			const int error = beyond(m_endBelow, toFirst, false);
+			if (error > m_bestError)
 			{
 				break;
 			}
-			m_below[m_endBelow] = sum;
+			m_below[m_endBelow] = error;
 		}
-		m_beginAbove = enclosingHigh() - EacDistances::kFirstStep;
+		m_beginAbove = enclosingHigh() - kFirstStep;
 		std::fill(m_above + m_beginAbove, m_above + kStepCount, 0);
 		for (; m_beginAbove > 0; --m_beginAbove)
 		{
-			const int value = orderedStep(m_beginAbove - 1);
-			int sum = 0;
-			for (unsigned int i = 0; i < 16 && value < m_high; ++i)
-			{
-				sum += m_ordered[i] > value ? square(m_ordered[i] - value, 65536 - m_ordered[i]) : 0;
-			}
-			if (sum > m_bestError)
+			const int error = beyond(m_beginAbove - 1, toLast, true);
+			if (error > m_bestError)
 			{
 				break;
 			}
-			m_above[m_beginAbove - 1] = sum;
+			m_above[m_beginAbove - 1] = error;
 		}
 	}
 
 	int orderedStep(int row) const
 	{
-		return ordered(valueOf(std::clamp(row + EacDistances::kFirstStep, -1, 256)), m_isSigned);
+		return ordered(valueOf(std::clamp(row + kFirstStep, -1, 256)), m_isSigned);
 	}
 
 	/// The least error of any values from step `first` to `last`.
 	int outside(int first, int last) const
 	{
-		return m_below[first - EacDistances::kFirstStep] + m_above[last - EacDistances::kFirstStep];
+		return m_below[first - kFirstStep] + m_above[last - kFirstStep];
 	}
 
 	void searchMultiplier(int multiplier)
@@ -315,8 +277,8 @@ private:
 			++m_beginAbove;
 		}
 		// One base more at the front: the most negative one lies a step higher.
-		const int first = std::max(m_beginAbove + EacDistances::kFirstStep - 14 * multiplier - 1, 0);
-		const int last = std::min(m_endBelow + EacDistances::kFirstStep + 15 * multiplier, lastBase());
+		const int first = std::max(m_beginAbove + kFirstStep - 14 * multiplier - 1, 0);
+		const int last = std::min(m_endBelow + kFirstStep + 15 * multiplier, lastBase());
 		if (first > last)
 		{
 			return;
@@ -327,41 +289,15 @@ private:
 		{
 			return;
 		}
-		int nextBase[16] = {};
 		for (int base = first; base <= last && base <= lastBase(); ++base)
 		{
 			const int centre = centreOf(static_cast<unsigned int>(base));
 			const int error =
-			    std::max(bounds[EacDistances::boundOf(centre, multiplier)], outside(centre - 15 * multiplier, centre + 14 * multiplier));
+			    std::max(bounds[Distances::boundOf(centre, multiplier)], outside(centre - 15 * multiplier, centre + 14 * multiplier));
 			if (mayWin(error, static_cast<unsigned int>(base), static_cast<unsigned int>(multiplier)))
 			{
-				searchTables(static_cast<unsigned int>(base), multiplier, nextBase);
+				tryCoarse(static_cast<unsigned int>(base), multiplier);
 			}
-		}
-	}
-
-	/// `nextBase` holds the first base that may win, for each table.
-	void searchTables(unsigned int base, int multiplier, int (&nextBase)[16])
-	{
-		const int* below = m_below + centreOf(base) - EacDistances::kFirstStep;
-		const int* above = m_above + centreOf(base) - EacDistances::kFirstStep - multiplier;
-		unsigned int tables[16];
-		unsigned int count = 0;
-		for (unsigned int table = 0; table < 16; ++table)
-		{
-			// Tables come in the order of their reach: if this one is too narrow, the others are.
-			const int reach = -alphaBase[table][0] * multiplier;
-			if (below[-reach] + above[reach] > m_bestError)
-			{
-				break;
-			}
-			tables[count] = table;
-			count += static_cast<int>(base) >= nextBase[table] ? 1 : 0;
-		}
-		for (unsigned int i = 0; i < count; ++i)
-		{
-			const int error = tryCoarse(base, tables[i], static_cast<unsigned int>(multiplier));
-			nextBase[tables[i]] = static_cast<int>(base) + 1 + hopeless(error);
 		}
 	}
 
@@ -371,13 +307,12 @@ private:
 	int m_ordered[16];
 	int m_low;
 	int m_high;
-	EacDistances m_distances;
+	Distances m_distances;
 	int m_below[kStepCount];
 	int m_above[kStepCount];
 	int m_endBelow = 0;
 	int m_beginAbove = 0;
 	std::int64_t m_bestError = static_cast<std::int64_t>(kWorstError);
-	double m_bestRoot = 1048576.0;
 	unsigned int m_bestSet = std::numeric_limits<unsigned int>::max();
 };
 } // namespace
@@ -419,7 +354,7 @@ void compressBlockAlpha16(const std::uint16_t* source, unsigned int step, unsign
 		texels[i] = source[texelIndex(width, startX + i % 4, startY + i / 4) * step];
 	}
 
-	const Search::Parameters best = Search(texels, isSigned, valueTable).run();
+	const Parameters best = withSimdLevel([&](auto simd) { return Search<simd>(texels, isSigned, valueTable).run(); });
 	std::uint16_t candidates[8];
 	for (unsigned int index = 0; index < 8; ++index)
 	{

@@ -41,28 +41,33 @@ struct Best
 /// Rows below have multiplier 0.
 constexpr int kFirstSpread = 16;
 
-/// The sixteen values in raster order and their rounded mean.
+/// The sixteen values in raster order, their sum and that of their squares, and their rounded mean.
 struct Values
 {
 	std::uint16_t texels[16];
+	int sum;
+	int sumOfSquares;
 	int average;
 };
 
 Values gather(const unsigned char* source, unsigned int startX, unsigned int startY, unsigned int width)
 {
 	Values values;
-	int sum = 0;
+	values.sum = 0;
+	values.sumOfSquares = 0;
 	for (unsigned int i = 0; i < 16; ++i)
 	{
 		values.texels[i] = source[texelIndex(width, startX + i % 4, startY + i / 4)];
-		sum += values.texels[i];
+		values.sum += values.texels[i];
+		values.sumOfSquares += values.texels[i] * values.texels[i];
 	}
-	values.average = (sum + 8) / 16;
+	values.average = (values.sum + 8) / 16;
 	return values;
 }
 
-/// What the search asks again and again: the distances from each byte, and lower bounds of the errors of rows and bases. All are of the
+/// What the search asks again and again: the distances from each byte, and lower bounds of the errors of rows. All are of the
 /// errors without regard to bases' sides, which are never larger.
+template<ESimdLevel level>
 class Bounds
 {
 public:
@@ -85,20 +90,13 @@ public:
 		return sum;
 	}
 
-	/// No table has a smaller error with this multiplier and base.
-	int ofBase(int multiplier, int base)
-	{
-		load(multiplier);
-		return m_bounds[EacDistances::boundOf(base, multiplier)];
-	}
-
 	int ofMultiplier(int multiplier)
 	{
 		load(multiplier);
 		return *std::min_element(m_bounds, m_bounds + multiplier);
 	}
 
-	const EacDistances distances;
+	const EacDistances<level> distances;
 
 private:
 	void load(int multiplier)
@@ -121,72 +119,30 @@ int squareTo(const int* clamped, int entry, int texel)
 	return difference * difference;
 }
 
-/// The error of all texels. Those up to the base choose among the lower entries (in the slow search also the first of the upper ones),
-/// those above it among the upper ones, so that this may lie above the true least error.
-template<typename Search>
-int sumOfErrors(const Values& values, const EacDistances& distances, const std::array<int, 8>& row, int base)
-{
-	const std::int16_t* centre = distances.row(base);
-	const auto at = [&](unsigned int index)
-	{
-		return centre + std::ptrdiff_t{row[index]} * 16;
-	};
-	const std::int16_t* const a = at(0);
-	const std::int16_t* const b = at(1);
-	const std::int16_t* const c = at(2);
-	const std::int16_t* const d = at(3);
-	const std::int16_t* const e = at(4);
-	const std::int16_t* const f = at(5);
-	const std::int16_t* const g = at(6);
-	const std::int16_t* const h = at(7);
-	int sum = 0;
-	for (unsigned int i = 0; i < 16; ++i)
-	{
-		const auto above = static_cast<std::int16_t>(static_cast<std::int16_t>(base - values.texels[i]) >> 15); // all bits or none
-		std::int16_t lower = std::min(std::min(a[i], b[i]), std::min(c[i], d[i]));
-		lower = Search::kSlow ? std::min(lower, e[i]) : lower;
-		const std::int16_t upper = std::min(std::min(e[i], f[i]), std::min(g[i], h[i]));
-		const auto least = static_cast<std::int16_t>((upper & above) | (lower & ~above));
-		sum += least * least;
-	}
-	return sum;
-}
-
-/// The same for the rows without spread.
-int sumOfErrors(const Values& values, int base)
-{
-	int sum = 0;
-	for (const std::uint16_t texel : values.texels)
-	{
-		const auto difference = static_cast<std::int16_t>(base - texel);
-		sum += difference * difference;
-	}
-	return sum;
-}
+/// As many bases as a pass has at most.
+constexpr unsigned int kMostBases = 9;
 
 /// The best base of a row: each pass looks around what the pass before found, from the mean on. The fast search gives up on bases
-/// that cannot beat the best row so far, so the row may end without a base. `leastOf(base)` is a lower bound of `sumOf(base)`.
-template<typename Search, typename Bound, typename Sum>
-Best searchRow(int average, int row, const Best& overall, Bound&& leastOf, Sum&& sumOf)
+/// that cannot beat the best row so far, so the row may end without a base. `fillErrors(bases, errors)` fills the errors of all bases.
+template<typename Search, typename FillErrors>
+Best searchRow(int average, int row, const Best& overall, FillErrors&& fillErrors)
 {
 	Best best;
 	best.row = row;
 	int centre = average;
 	for (const Pass& pass : Search::kPasses)
 	{
-		const int last = clamp(centre + pass.reach);
-		for (int base = clamp(centre - pass.reach); base <= last; base += pass.scale)
+		const int first = clamp(centre - pass.reach);
+		const EacBases bases = {first, pass.scale, static_cast<unsigned int>((clamp(centre + pass.reach) - first) / pass.scale) + 1};
+		int errors[kMostBases];
+		fillErrors(bases, errors);
+		for (unsigned int i = 0; i < bases.count; ++i)
 		{
 			const int bound = Search::kSlow ? best.sum - 1 : std::min(best.sum - 1, overall.sum);
-			if (leastOf(base) > bound)
+			if (errors[i] <= bound)
 			{
-				continue;
-			}
-			const int sum = sumOf(base);
-			if (sum <= bound)
-			{
-				best.sum = sum;
-				best.base = base;
+				best.sum = errors[i];
+				best.base = bases.first + static_cast<int>(i) * bases.step;
 			}
 		}
 		centre = best.sum < Best().sum ? best.base : centre;
@@ -194,33 +150,42 @@ Best searchRow(int average, int row, const Best& overall, Bound&& leastOf, Sum&&
 	return best;
 }
 
-template<typename Search>
+template<typename Search, ESimdLevel level>
 Best searchRows(const Values& values, const AlphaTable& table, int firstRow, int endRow)
 {
 	Best best;
 	if (firstRow < kFirstSpread)
 	{
 		// The rows without spread are all alike. The first one finds the mean, which the others cannot beat.
-		best = searchRow<Search>(
-		    values.average, firstRow, best, [](int) { return 0; }, [&](int base) { return sumOfErrors(values, base); });
+		best = searchRow<Search>(values.average, firstRow, best,
+		                         [&](const EacBases& bases, int* errors)
+		                         {
+			                         for (unsigned int i = 0; i < bases.count; ++i)
+			                         {
+				                         const int base = bases.first + static_cast<int>(i) * bases.step;
+				                         errors[i] = base * (16 * base - 2 * values.sum) + values.sumOfSquares;
+			                         }
+		                         });
 	}
 	if (best.sum == 0 || endRow <= kFirstSpread)
 	{
 		return best;
 	}
 
-	Bounds bounds(values);
+	Bounds<level> bounds(values);
+	EacRow texels;
+	std::copy_n(values.texels, 16, texels);
 	for (int row = std::max(firstRow, kFirstSpread); row < endRow && best.sum != 0; ++row)
 	{
 		const std::array<int, 8>& entries = table[static_cast<unsigned int>(row)];
-		const int multiplier = row / 16;
-		if (bounds.ofRow(entries) >= best.sum || bounds.ofMultiplier(multiplier) >= best.sum)
+		if (bounds.ofRow(entries) >= best.sum || bounds.ofMultiplier(row / 16) >= best.sum)
 		{
 			continue;
 		}
 		const Best candidate = searchRow<Search>(
-		    values.average, row, best, [&](int base) { return bounds.ofBase(multiplier, base); },
-		    [&](int base) { return sumOfErrors<Search>(values, bounds.distances, entries, base); });
+		    values.average, row, best,
+		    [&](const EacBases& bases, int* errors)
+		    { EacSums<level>::baseErrors(bounds.distances.row(bases.first), texels, entries.data(), Search::kSlow, bases, errors); });
 		if (candidate.sum < best.sum)
 		{
 			best = candidate;
@@ -267,7 +232,9 @@ void compressBlockAlphaFast(const unsigned char* source, unsigned int startX, un
 	}
 	// The row whose spread fits the largest distance from the mean: rows grow roughly in spread.
 	const int approximateRow = std::min(maxDistance * 255 / 160 - 4, 255);
-	const Best best = searchRows<Fast>(values, table, std::max(approximateRow - 15, 0), std::min(approximateRow + 15, 255));
+	const int first = std::max(approximateRow - 15, 0);
+	const int end = std::min(approximateRow + 15, 255);
+	const Best best = withSimdLevel([&](auto level) { return searchRows<Fast, level>(values, table, first, end); });
 	writeBlock(values, table, best, block);
 }
 
@@ -275,6 +242,7 @@ void compressBlockAlphaSlow(const unsigned char* source, unsigned int startX, un
                             const AlphaTable& table)
 {
 	const Values values = gather(source, startX, startY, width);
-	writeBlock(values, table, searchRows<Slow>(values, table, 0, 256), block);
+	const Best best = withSimdLevel([&](auto level) { return searchRows<Slow, level>(values, table, 0, 256); });
+	writeBlock(values, table, best, block);
 }
 } // namespace zortexture
