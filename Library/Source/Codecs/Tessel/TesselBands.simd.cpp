@@ -1,6 +1,6 @@
 #include "TesselBands.h"
 
-#include "Simd/Lanes.h"
+#include "TesselLanes.h"
 
 namespace zortexture
 {
@@ -8,9 +8,8 @@ namespace
 {
 /// Pixels made at once: two areas at 4bpp, one at 2bpp.
 constexpr unsigned kGroup = 8;
-/// Registers of 16-bit channels that hold them, and the pixels of one.
+/// Registers of 16-bit channels that hold them.
 constexpr unsigned kRegisters = 4 * kGroup / I16::kCount;
-constexpr unsigned kPixels = kGroup / kRegisters;
 
 /// The offset of each channel's pixel from the centre on its left, at 4 and at 2bpp.
 constexpr std::int16_t kOffsets[2][4 * kGroup] = {
@@ -29,19 +28,11 @@ ZORT_INLINE U32 widened(U32 channels)
 	return (channels << 1) | ((channels >> 3) & U32::filled(0x01010101));
 }
 
-/// The same four channels for all pixels of a register.
-ZORT_INLINE I16 repeated(const std::int16_t* channels)
-{
-	std::uint64_t four;
-	std::memcpy(&four, channels, sizeof(four));
-	return as<std::int16_t>(U64::filled(four));
-}
-
 /// The weights of a register's pixels, one in each channel.
 ZORT_INLINE I16 spread(const std::uint8_t* weights)
 {
 	std::uint32_t some = 0;
-	std::memcpy(&some, weights, kPixels);
+	std::memcpy(&some, weights, kTesselPixels);
 #if defined(__AVX2__)
 	alignas(32) static constexpr std::uint8_t kPlaces[32] = {0, 128, 0, 128, 0, 128, 0, 128, 1, 128, 1, 128, 1, 128, 1, 128,
 	                                                         2, 128, 2, 128, 2, 128, 2, 128, 3, 128, 3, 128, 3, 128, 3, 128};
@@ -52,14 +43,6 @@ ZORT_INLINE I16 spread(const std::uint8_t* weights)
 	const U16 pairs = interleaveLow(words, words);
 	return as<std::int16_t>(interleaveLow(as<std::uint32_t>(pairs), as<std::uint32_t>(pairs)));
 #endif
-}
-
-/// Channels as numbers of 16 bits, four for each colour of a row.
-ZORT_INLINE void storeWide(U8 channels, std::int16_t* line)
-{
-	constexpr unsigned kHalf = U8::kCount / 2;
-	convert<std::int16_t>(lower(channels)).store(line);
-	convert<std::int16_t>(upper(channels)).store(line + kHalf);
 }
 
 /// Colours of a row of pixels v below the centres, at the places of the centres, scaled by 4.
@@ -96,27 +79,13 @@ template<unsigned kWidth>
 ZORT_INLINE I16 upscaled(const std::int16_t* line, unsigned r)
 {
 	constexpr bool kWide = kWidth == 8;
-	const unsigned area = r * kPixels / kWidth;
-	const I16 left = repeated(line + 4 * area);
-	const I16 right = repeated(line + 4 * area + 4);
+	const unsigned area = r * kTesselPixels / kWidth;
+	const I16 left = repeatedColour(line + 4 * area);
+	const I16 right = repeatedColour(line + 4 * area + 4);
 	const I16 t = (left << (kWide ? 3 : 2)) + (right - left) * I16::load(kOffsets[kWide ? 1 : 0] + r * I16::kCount);
 	// Full scale becomes 255 without a division: the low part repeats the high bits, five of colours and four of alpha.
 	constexpr std::uint64_t kRepeat = kWide ? 0x0400020002000200ULL : 0x0800040004000400ULL;
 	return (t >> (kWide ? 2 : 1)) + multiplyHigh(t, as<std::int16_t>(U64::filled(kRepeat)));
-}
-
-/// The colours of the blocks that the pixels lie in, in whose left half the group begins.
-template<unsigned kWidth>
-ZORT_INLINE I16 own(const std::int16_t* line, unsigned r)
-{
-	constexpr unsigned kHalf = kWidth / 2;
-#if defined(__AVX2__)
-	if constexpr (kPixels > kHalf)
-	{
-		return as<std::int16_t>(shuffle<0, 0, 1, 1>(Lanes<std::uint64_t, 2>::load(line + 4 * r)));
-	}
-#endif
-	return repeated(line + 4 * (r * kPixels / kWidth + (r * kPixels % kWidth >= kHalf ? 1 : 0)));
 }
 
 /// What a row of pixels is made of: the line of each plane between the blocks, and of the blocks themselves.
@@ -146,10 +115,10 @@ ZORT_INLINE void writeGroup(const Lines& lines, std::size_t column, unsigned cha
 	{
 		const std::int16_t* lineA = lines.a + 4 * column;
 		const std::int16_t* lineB = lines.b + 4 * column;
-		const bool isHard = kSecond && ((hard >> (r * kPixels / 4)) & 1) != 0;
-		const I16 a = isHard ? own<kWidth>(lines.ownA + 4 * column, r) : upscaled<kWidth>(lineA, r);
-		const I16 b = isHard ? own<kWidth>(lines.ownB + 4 * column, r) : upscaled<kWidth>(lineB, r);
-		I16 weight = spread(lines.weights + kWidth * column + kWidth / 2 + r * kPixels);
+		const bool isHard = kSecond && ((hard >> (r * kTesselPixels / 4)) & 1) != 0;
+		const I16 a = isHard ? coloursOfHalves<kWidth>(lines.ownA + 4 * column, r) : upscaled<kWidth>(lineA, r);
+		const I16 b = isHard ? coloursOfHalves<kWidth>(lines.ownB + 4 * column, r) : upscaled<kWidth>(lineB, r);
+		I16 weight = spread(lines.weights + kWidth * column + kWidth / 2 + r * kTesselPixels);
 		if constexpr (kWidth == 8)
 		{
 			colours[r] = a + (((b - a) * weight) >> 3);
@@ -165,12 +134,7 @@ ZORT_INLINE void writeGroup(const Lines& lines, std::size_t column, unsigned cha
 	}
 	for (unsigned r = 0; r < kRegisters; r += 2)
 	{
-		const U8 bytes = packUnsigned(colours[r], colours[r + 1]);
-#if defined(__AVX2__)
-		shuffle<0, 2, 1, 3>(as<std::uint64_t>(bytes)).store(out);
-#else
-		bytes.store(out + r * (U8::kCount / 2));
-#endif
+		packedPixels(colours[r], colours[r + 1]).store(out + r * (U8::kCount / 2));
 	}
 }
 

@@ -14,17 +14,13 @@ constexpr unsigned char kBlockHeight = 4;
 template<typename Compressor>
 void packFirstGeneration(const Compressor& compressor, TesselBlockData* out, bool twiddled)
 {
-	const unsigned numX = compressor.blocksX;
-	const unsigned numY = compressor.blocksY;
-	packTesselBlocks(
-	    compressor, out,
-	    [numX, numY, twiddled](unsigned x, unsigned y)
-	    { return twiddled ? twiddledBlockIndex(numX, numY, x, y) : std::uint64_t(y) * numX + x; },
-	    [](TesselBlockData& block, unsigned colourA, unsigned colourB)
-	    {
-		    block.setColourA(colourA);
-		    block.setColourB(colourB);
-	    });
+	packTesselFirstGeneration(compressor.blocksX, compressor.blocksY, out, twiddled,
+	                          [&compressor](TesselBlockData& block, std::size_t index)
+	                          {
+		                          packModulation(compressor.records[index], block);
+		                          block.setColourA(compressor.coloursA[index]);
+		                          block.setColourB(compressor.coloursB[index]);
+	                          });
 }
 } // namespace
 

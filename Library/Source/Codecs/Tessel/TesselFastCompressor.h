@@ -7,8 +7,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "TesselFastModulation.h"
+#include "TesselRounds.h"
+#include "TesselTwiddle.h"
 
 namespace zortexture
 {
@@ -114,42 +117,91 @@ void runTesselTiles(Compressor& compressor, unsigned threads)
 	}
 }
 
+/// Threads that the structure is laid out for; the wrapper of the first generation reduces them.
+constexpr unsigned kWantedTesselThreads = 64;
+
 /// Encodes an image through a compressor and its wrapper; readOut(compressor) takes the blocks.
-/// @return the bytes of the image's blocks; 0 when it holds no whole block.
 template<typename Compressor, typename Wrapper, typename ReadOut>
-unsigned encodeTesselFast(const void* in, unsigned width, unsigned height, bool overlapWindow, int iterations, ReadOut&& readOut)
+void encodeTesselPlainly(const void* in, unsigned width, unsigned height, bool overlapWindow, unsigned iterations, ReadOut&& readOut)
 {
-	// Threads the structure is laid out for; the wrapper may reduce them.
-	constexpr unsigned kWantedThreads = 64;
 	Compressor compressor(in, width, height);
-	if (compressor.blocksX == 0 || compressor.blocksY == 0)
-	{
-		return 0;
-	}
-	compressor.numberOfIterations = static_cast<unsigned>(std::max(iterations, 0));
-	Wrapper wrapper(&compressor, kWantedThreads);
+	compressor.numberOfIterations = iterations;
+	Wrapper wrapper(&compressor, kWantedTesselThreads);
 	wrapper.preprocess(overlapWindow);
 	wrapper.compress();
 	readOut(compressor);
-	return width * height / (compressor.blockWidth / 2);
 }
 
-/// Packs all blocks. `place` gives the position of block (x, y), `setColours` writes the colours of the generation. Blocks whose
-/// place lies past the end are dropped, places without a block are zero.
-template<typename Compressor, typename Block, typename Place, typename SetColours>
-void packTesselBlocks(const Compressor& compressor, Block* out, Place&& place, SetColours&& setColours)
+/// What an image through a compressor and its wrapper comes to, by vectors.
+/// @param threads  those that tiles are laid out for.
+/// @return false, with nothing done, where there is no vector unit.
+template<typename Record>
+bool encodeTesselInVectors(const void* in, unsigned width, unsigned height, bool overlapWindow, unsigned iterations, unsigned threads,
+                           TesselRoundsResult& result)
 {
-	const std::uint64_t count = std::uint64_t(compressor.blocksX) * compressor.blocksY;
+	constexpr unsigned kBlockWidth = TesselFit<Record>::kPixels / 4;
+	TesselRoundsTask task = {};
+	task.pixels = static_cast<const TesselPixel*>(in);
+	task.width = width;
+	task.height = height;
+	task.is2bpp = kBlockWidth == 8;
+	task.overlapWindow = overlapWindow && TesselFit<Record>::kOverlaps;
+	task.iterations = iterations;
+	forEachTesselTile(width / kBlockWidth, height / 4, threads,
+	                  [&task](unsigned /*firstX*/, unsigned endX, unsigned /*firstY*/, unsigned endY)
+	                  {
+		                  // Tiles lie side by side from the first block on.
+		                  task.roundsX = std::max(task.roundsX, endX);
+		                  task.roundsY = std::max(task.roundsY, endY);
+	                  });
+	return runTesselVectorRounds(task, result);
+}
+
+/// Packs all blocks. `place` gives the position of block (x, y), write(block, index) fills it. Blocks whose place lies past the end are
+/// dropped, places without a block are zero.
+template<typename Block, typename Place, typename Write>
+void packTesselBlocks(unsigned blocksX, unsigned blocksY, Block* out, Place&& place, Write&& write)
+{
+	const std::uint64_t count = std::uint64_t(blocksX) * blocksY;
 	std::fill_n(out, count, Block());
-	forEachTesselBlock(compressor, 0, compressor.blocksX, 0, compressor.blocksY,
-	                   [&](unsigned x, unsigned y, std::size_t index)
-	                   {
-		                   const std::uint64_t position = place(x, y);
-		                   if (position < count)
-		                   {
-			                   packModulation(compressor.records[index], out[position]);
-			                   setColours(out[position], compressor.coloursA[index], compressor.coloursB[index]);
-		                   }
-	                   });
+	std::size_t index = 0;
+	for (unsigned y = 0; y < blocksY; ++y)
+	{
+		for (unsigned x = 0; x < blocksX; ++x, ++index)
+		{
+			const std::uint64_t position = place(x, y);
+			if (position < count)
+			{
+				write(out[position], index);
+			}
+		}
+	}
+}
+
+/// Packs the blocks of the first generation.
+template<typename Write>
+void packTesselFirstGeneration(unsigned blocksX, unsigned blocksY, TesselBlockData* out, bool twiddled, Write&& write)
+{
+	// The bits of both coordinates lie in places of their own.
+	std::vector<std::uint64_t> columns(blocksX);
+	for (unsigned x = 0; x < blocksX; ++x)
+	{
+		columns[x] = twiddled ? twiddledBlockIndex(blocksX, blocksY, x, 0) : x;
+	}
+	std::vector<std::uint64_t> rows(blocksY);
+	for (unsigned y = 0; y < blocksY; ++y)
+	{
+		rows[y] = twiddled ? twiddledBlockIndex(blocksX, blocksY, 0, y) : std::uint64_t(y) * blocksX;
+	}
+	packTesselBlocks(
+	    blocksX, blocksY, out, [&](unsigned x, unsigned y) { return columns[x] + rows[y]; }, write);
+}
+
+/// Packs the blocks of the second generation, which lie row by row.
+template<typename Write>
+void packTesselSecondGeneration(unsigned blocksX, unsigned blocksY, TesselIIBlockData* out, Write&& write)
+{
+	packTesselBlocks(
+	    blocksX, blocksY, out, [blocksX](unsigned x, unsigned y) { return std::uint64_t(y) * blocksX + x; }, write);
 }
 } // namespace zortexture

@@ -206,6 +206,27 @@ void fitWeights(const Tessel4bppRecord& record, float* out)
 	}
 }
 
+unsigned selectTesselInterpolation(unsigned word, unsigned mode)
+{
+	constexpr unsigned kOneDirection = 1U;
+	constexpr unsigned kDirection = 1U << 20;
+	if (mode == eTesselMode_FourNeighbours)
+	{
+		word &= ~kOneDirection;
+	}
+	else if (mode == eTesselMode_UpDown)
+	{
+		// The decoders take the horizontal mean for this pattern and the vertical one for the next, contrary to the simulation.
+		// That is settled: existing data rests on the choice that follows from it.
+		word = (word | kOneDirection) & ~kDirection;
+	}
+	else if (mode == eTesselMode_LeftRight)
+	{
+		word |= kOneDirection | kDirection;
+	}
+	return word;
+}
+
 void packModulation(const Tessel2bppRecord& record, TesselBlockWords& block)
 {
 	unsigned word = 0;
@@ -223,23 +244,7 @@ void packModulation(const Tessel2bppRecord& record, TesselBlockWords& block)
 			word |= unsigned(record.interpolated[i]) << (8 * y + 2 * (x / 2));
 		}
 	}
-	constexpr unsigned kOneDirection = 1U;
-	constexpr unsigned kDirection = 1U << 20;
-	if (record.mode == eTesselMode_FourNeighbours)
-	{
-		word &= ~kOneDirection;
-	}
-	else if (record.mode == eTesselMode_UpDown)
-	{
-		// The decoders take the horizontal mean for this pattern and the vertical one for the next, contrary to the simulation.
-		// That is settled: existing data rests on the choice that follows from it.
-		word = (word | kOneDirection) & ~kDirection;
-	}
-	else if (record.mode == eTesselMode_LeftRight)
-	{
-		word |= kOneDirection | kDirection;
-	}
-	block.setModulationWord(word);
+	block.setModulationWord(selectTesselInterpolation(word, record.mode));
 	block.setModulationFlag(record.mode != eTesselMode_Direct);
 }
 

@@ -53,6 +53,9 @@ void chooseModulation(Tessel4bppRecord& record, const TesselBlockPixels& block);
 void fitWeights(const Tessel2bppRecord& record, float* out);
 void fitWeights(const Tessel4bppRecord& record, float* out);
 
+/// Word 0 of a 2bpp block with the bits that select how left-out pixels are interpolated; of direct blocks as it is.
+unsigned selectTesselInterpolation(unsigned word, unsigned mode);
+
 /// Writes word 0 and the mode flag.
 void packModulation(const Tessel2bppRecord& record, TesselBlockWords& block);
 void packModulation(const Tessel4bppRecord& record, TesselBlockWords& block);

@@ -15,28 +15,62 @@ unsigned distance(unsigned colourA, unsigned colourB)
 	return squareColourDistance(unpackTesselPixel(colourA), unpackTesselPixel(colourB));
 }
 
-/// Whether a block's colours are farther from those of a neighbour than from each other.
-bool isHardTransition(const TesselIICompressor& compressor, std::size_t block, std::size_t right, std::size_t lower)
+/// Whether each block's colours are farther from those of a neighbour than from each other.
+void flagHardTransitions(const std::vector<unsigned>& a, const std::vector<unsigned>& b, unsigned blocksX, unsigned blocksY,
+                         std::vector<unsigned char>& flags)
 {
 	constexpr unsigned kSmallDistance = 16384;
-	const std::vector<unsigned>& a = compressor.coloursA;
-	const std::vector<unsigned>& b = compressor.coloursB;
-	const auto edge = [&](std::size_t neighbour)
+	std::size_t block = 0;
+	for (unsigned y = 0; y < blocksY; ++y)
 	{
-		return std::min(distance(a[block], a[neighbour]), distance(b[block], b[neighbour]));
-	};
-	const unsigned own = distance(a[block], b[block]);
-	const unsigned limit = own < kSmallDistance ? kSmallDistance / 4 - 1 : own / 4;
-	return std::max(edge(right), edge(lower)) > limit;
+		const std::size_t rowBelow = std::size_t(y + 1 == blocksY ? 0 : y + 1) * blocksX;
+		for (unsigned x = 0; x < blocksX; ++x, ++block)
+		{
+			const auto edge = [&](std::size_t neighbour)
+			{
+				return std::min(distance(a[block], a[neighbour]), distance(b[block], b[neighbour]));
+			};
+			const unsigned own = distance(a[block], b[block]);
+			const unsigned limit = own < kSmallDistance ? kSmallDistance / 4 - 1 : own / 4;
+			const std::size_t right = x + 1 == blocksX ? block - x : block + 1;
+			flags[block] = std::max(edge(right), edge(rowBelow + x)) > limit ? 1 : 0;
+		}
+	}
 }
 
 template<typename Record>
 unsigned compressFast(const void* in, void* out, unsigned width, unsigned height, bool overlapWindow, int iterations)
 {
 	using Compressor = TesselIIFormatCompressor<Record>;
-	return encodeTesselFast<Compressor, TesselIIMultiThreadedCompressor>(
-	    in, width, height, overlapWindow, iterations,
-	    [out](Compressor& compressor) { compressor.getCompressedData(static_cast<TesselIIBlockData*>(out)); });
+	constexpr unsigned kBlockWidth = TesselFit<Record>::kPixels / 4;
+	const unsigned blocksX = width / kBlockWidth;
+	const unsigned blocksY = height / 4;
+	if (blocksX == 0 || blocksY == 0)
+	{
+		return 0;
+	}
+	auto* const blocks = static_cast<TesselIIBlockData*>(out);
+	const unsigned rounds = static_cast<unsigned>(std::max(iterations, 0));
+	TesselRoundsResult result;
+	if (encodeTesselInVectors<Record>(in, width, height, overlapWindow, rounds, kWantedTesselThreads, result))
+	{
+		std::vector<unsigned char> hardTransition(result.firstA.size());
+		flagHardTransitions(result.firstA, result.firstB, blocksX, blocksY, hardTransition);
+		packTesselSecondGeneration(blocksX, blocksY, blocks,
+		                           [&result, &hardTransition](TesselIIBlockData& block, std::size_t index)
+		                           {
+			                           block.setModulationWord(result.modulation[index]);
+			                           block.setModulationFlag(result.modeFlags[index] != 0);
+			                           block.setColours(result.coloursA[index], result.coloursB[index]);
+			                           block.setHardTransitionFlag(hardTransition[index] != 0);
+		                           });
+	}
+	else
+	{
+		encodeTesselPlainly<Compressor, TesselIIMultiThreadedCompressor>(
+		    in, width, height, overlapWindow, rounds, [blocks](Compressor& compressor) { compressor.getCompressedData(blocks); });
+	}
+	return width * height / (kBlockWidth / 2);
 }
 } // namespace
 
@@ -50,13 +84,7 @@ TesselIICompressor::~TesselIICompressor() = default;
 void TesselIICompressor::calculateColoursAB(bool overlapWindow)
 {
 	zortexture::calculateColoursAB(planesOf(*this), overlapWindow);
-	forEachTesselBlock(*this, 0, blocksX, 0, blocksY,
-	                   [this](unsigned x, unsigned y, std::size_t index)
-	                   {
-		                   const std::size_t right = index - x + (x + 1) % blocksX;
-		                   const std::size_t lower = std::size_t((y + 1) % blocksY) * blocksX + x;
-		                   hardTransition[index] = isHardTransition(*this, index, right, lower) ? 1 : 0;
-	                   });
+	flagHardTransitions(coloursA, coloursB, blocksX, blocksY, hardTransition);
 }
 
 template<typename Record>
@@ -80,14 +108,13 @@ void TesselIIFormatCompressor<Record>::compress()
 template<typename Record>
 void TesselIIFormatCompressor<Record>::getCompressedData(TesselIIBlockData* out)
 {
-	const unsigned numX = blocksX;
-	packTesselBlocks(
-	    *this, out, [numX](unsigned x, unsigned y) { return std::uint64_t(y) * numX + x; },
-	    [](TesselIIBlockData& block, unsigned colourA, unsigned colourB) { block.setColours(colourA, colourB); });
-	for (std::size_t i = 0; i < hardTransition.size(); ++i)
-	{
-		out[i].setHardTransitionFlag(hardTransition[i] != 0);
-	}
+	packTesselSecondGeneration(blocksX, blocksY, out,
+	                           [this](TesselIIBlockData& block, std::size_t index)
+	                           {
+		                           packModulation(records[index], block);
+		                           block.setColours(coloursA[index], coloursB[index]);
+		                           block.setHardTransitionFlag(hardTransition[index] != 0);
+	                           });
 }
 
 template<typename Record>

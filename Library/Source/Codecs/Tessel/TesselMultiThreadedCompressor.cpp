@@ -11,12 +11,44 @@ namespace zortexture
 {
 namespace
 {
-template<typename Compressor>
+/// No more than there are processors and blocks.
+unsigned reducedThreads(unsigned wanted, unsigned blocksX, unsigned blocksY)
+{
+	const std::uint64_t online = static_cast<std::uint64_t>(std::max(sysconf(_SC_NPROCESSORS_ONLN), 1L));
+	return static_cast<unsigned>(std::min({online, std::uint64_t(wanted), std::uint64_t(blocksX) * blocksY}));
+}
+
+template<typename Compressor, typename Record>
 unsigned compressFast(const void* in, void* out, unsigned width, unsigned height, bool overlapWindow, int iterations)
 {
-	return encodeTesselFast<Compressor, TesselMultiThreadedCompressor>(
-	    in, width, height, overlapWindow, iterations,
-	    [out](Compressor& compressor) { compressor.getCompressedData(static_cast<TesselBlockData*>(out), true); });
+	constexpr unsigned kBlockWidth = TesselFit<Record>::kPixels / 4;
+	const unsigned blocksX = width / kBlockWidth;
+	const unsigned blocksY = height / 4;
+	if (blocksX == 0 || blocksY == 0)
+	{
+		return 0;
+	}
+	auto* const blocks = static_cast<TesselBlockData*>(out);
+	const unsigned rounds = static_cast<unsigned>(std::max(iterations, 0));
+	TesselRoundsResult result;
+	if (encodeTesselInVectors<Record>(in, width, height, overlapWindow, rounds, reducedThreads(kWantedTesselThreads, blocksX, blocksY),
+	                                  result))
+	{
+		packTesselFirstGeneration(blocksX, blocksY, blocks, true,
+		                          [&result](TesselBlockData& block, std::size_t index)
+		                          {
+			                          block.setModulationWord(result.modulation[index]);
+			                          block.setModulationFlag(result.modeFlags[index] != 0);
+			                          block.setColourA(result.coloursA[index]);
+			                          block.setColourB(result.coloursB[index]);
+		                          });
+	}
+	else
+	{
+		encodeTesselPlainly<Compressor, TesselMultiThreadedCompressor>(
+		    in, width, height, overlapWindow, rounds, [blocks](Compressor& compressor) { compressor.getCompressedData(blocks, true); });
+	}
+	return width * height / (kBlockWidth / 2);
 }
 } // namespace
 
@@ -38,9 +70,7 @@ void TesselMultiThreadedCompressor::compress()
 
 void TesselMultiThreadedCompressor::calculateNumberOfThreads()
 {
-	const std::uint64_t online = static_cast<std::uint64_t>(std::max(sysconf(_SC_NPROCESSORS_ONLN), 1L));
-	const std::uint64_t blocks = std::uint64_t(m_compressor->blocksX) * m_compressor->blocksY;
-	m_threadCount = static_cast<unsigned>(std::min({online, std::uint64_t(m_threadCount), blocks}));
+	m_threadCount = reducedThreads(m_threadCount, m_compressor->blocksX, m_compressor->blocksY);
 }
 
 unsigned int TesselMultiThreadedCompressor::getNumberOfThreads() const
@@ -71,13 +101,13 @@ void TesselMultiThreadedCompressor::calculateModulations(const TesselCompressorB
 unsigned int tesselCompress2bppMW(void* in, void* out, unsigned int width, unsigned int height, bool /*unusedFlag*/, bool overlapWindow,
                                   bool /*is2bpp*/, int iterations)
 {
-	return compressFast<Tessel2bppCompressor>(in, out, width, height, overlapWindow, iterations);
+	return compressFast<Tessel2bppCompressor, Tessel2bppRecord>(in, out, width, height, overlapWindow, iterations);
 }
 
 unsigned int tesselCompress4bppMW(void* in, void* out, unsigned int width, unsigned int height, bool /*unusedFlag*/, bool overlapWindow,
                                   bool /*is2bpp*/, int iterations)
 {
-	return compressFast<Tessel4bppCompressor>(in, out, width, height, overlapWindow, iterations);
+	return compressFast<Tessel4bppCompressor, Tessel4bppRecord>(in, out, width, height, overlapWindow, iterations);
 }
 
 unsigned int tesselCompressMW(void* in, void* out, unsigned int width, unsigned int height, bool unusedFlag, bool overlapWindow,

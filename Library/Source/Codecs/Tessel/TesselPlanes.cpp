@@ -1,8 +1,9 @@
 #include "TesselPlanes.h"
 
 #include <algorithm>
-#include <vector>
+#include <cstring>
 
+#include "TesselFarthest.h"
 #include "TesselUpscale.h"
 
 namespace zortexture
@@ -59,6 +60,60 @@ void upscalePlane(const TesselPlanes& planes, const unsigned* colours, TesselPix
 		}
 	}
 }
+
+/// The pixels of a block, or of a window of twice its size around it.
+unsigned collectWindow(const TesselPlanes& planes, unsigned x, unsigned y, bool overlapWindow, TesselPixel* window)
+{
+	const unsigned scale = overlapWindow ? 2 : 1;
+	const unsigned width = planes.blockWidth * scale;
+	const unsigned height = planes.blockHeight * scale;
+	const std::int64_t left = std::int64_t(x) * planes.blockWidth - (overlapWindow ? planes.blockWidth / 2 : 0);
+	const std::int64_t top = std::int64_t(y) * planes.blockHeight - (overlapWindow ? planes.blockHeight / 2 : 0);
+	const auto wrap = [](std::int64_t position, std::int64_t size)
+	{
+		return ((position % size) + size) % size;
+	};
+	const bool wraps = left < 0 || left + width > planes.width;
+	unsigned count = 0;
+	for (unsigned row = 0; row < height; ++row)
+	{
+		const TesselPixel* line = planes.image + wrap(top + row, planes.height) * planes.width;
+		if (!wraps)
+		{
+			std::copy_n(line + left, width, window + count);
+			count += width;
+			continue;
+		}
+		for (unsigned column = 0; column < width; ++column)
+		{
+			window[count++] = line[wrap(left + column, planes.width)];
+		}
+	}
+	return count;
+}
+
+template<ESimdLevel level>
+void calculateColours(const TesselPlanes& planes, unsigned x, unsigned y, unsigned& colourA, unsigned& colourB, bool overlapWindow)
+{
+	TesselPixel window[kMostTesselWindowPixels];
+	const unsigned count = collectWindow(planes, x, y, overlapWindow, window);
+	if constexpr (level == eSimdPlain)
+	{
+		selectColoursAB_MaxDistance(window, count, colourA, colourB);
+	}
+	else
+	{
+		static_assert(sizeof(TesselPixel) == sizeof(unsigned));
+		unsigned packed[kMostTesselWindowPixels];
+		std::memcpy(packed, window, count * sizeof(unsigned));
+		unsigned first = 0;
+		unsigned second = 0;
+		findFarthestTesselPixels<level>(packed, count, first, second);
+		colourA = packed[first];
+		colourB = packed[second];
+		orderTesselColours(colourA, colourB);
+	}
+}
 } // namespace
 
 unsigned calculateImageBlockErrorMeanSquared(const TesselPixel* a, const TesselPixel* b, unsigned count)
@@ -107,36 +162,23 @@ void selectColoursAB_MaxDistance(const TesselPixel* pixels, unsigned count, unsi
 void calculateColoursABForBlock(const TesselPlanes& planes, unsigned x, unsigned y, unsigned& colourA, unsigned& colourB,
                                 bool overlapWindow)
 {
-	const unsigned scale = overlapWindow ? 2 : 1;
-	const std::int64_t left = std::int64_t(x) * planes.blockWidth - (overlapWindow ? planes.blockWidth / 2 : 0);
-	const std::int64_t top = std::int64_t(y) * planes.blockHeight - (overlapWindow ? planes.blockHeight / 2 : 0);
-	const auto wrap = [](std::int64_t position, std::int64_t size)
-	{
-		return ((position % size) + size) % size;
-	};
-	TesselPixel window[4 * 32];
-	unsigned count = 0;
-	for (unsigned row = 0; row < planes.blockHeight * scale; ++row)
-	{
-		const TesselPixel* line = planes.image + wrap(top + row, planes.height) * planes.width;
-		for (unsigned column = 0; column < planes.blockWidth * scale; ++column)
-		{
-			window[count++] = line[wrap(left + column, planes.width)];
-		}
-	}
-	selectColoursAB_MaxDistance(window, count, colourA, colourB);
+	withSimdLevel([&](auto level) { calculateColours<level>(planes, x, y, colourA, colourB, overlapWindow); });
 }
 
 void calculateColoursAB(const TesselPlanes& planes, bool overlapWindow)
 {
-	std::size_t block = 0;
-	for (unsigned y = 0; y < planes.blocksY; ++y)
-	{
-		for (unsigned x = 0; x < planes.blocksX; ++x, ++block)
-		{
-			calculateColoursABForBlock(planes, x, y, planes.coloursA[block], planes.coloursB[block], overlapWindow);
-		}
-	}
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    std::size_t block = 0;
+		    for (unsigned y = 0; y < planes.blocksY; ++y)
+		    {
+			    for (unsigned x = 0; x < planes.blocksX; ++x, ++block)
+			    {
+				    calculateColours<level>(planes, x, y, planes.coloursA[block], planes.coloursB[block], overlapWindow);
+			    }
+		    }
+	    });
 }
 
 void interpolateColours4x4_uint8(unsigned p, unsigned q, unsigned r, unsigned s, TesselPixel* out)
