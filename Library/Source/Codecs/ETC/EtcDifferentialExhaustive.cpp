@@ -32,22 +32,25 @@ void unpackColour(unsigned int packed, BaseColour& colour)
 	colour[2] = static_cast<int>(packed & 31);
 }
 
-unsigned int leastError(const HalfColour* colours, unsigned int count)
-{
-	return std::min_element(colours, colours + count, [](const HalfColour& a, const HalfColour& b) { return a.error < b.error; })->error;
-}
-
-/// The colours of a half by their red and green, each with the end of its blues and their least error.
+/// The colours of a half by their red and green, each with the begin of its blues and their least error.
 struct Rows
 {
+	unsigned int first = 1; ///< The rows outside have none.
+	unsigned int last = 0;
 	std::uint16_t begin[kLevels * kLevels + 1];
 	unsigned int leastErrors[kLevels * kLevels];
 };
 
 void findRows(const HalfColour* colours, unsigned int count, unsigned int none, Rows& rows)
 {
+	if (count == 0)
+	{
+		return;
+	}
+	rows.first = colours[0].colour >> 5;
+	rows.last = colours[count - 1].colour >> 5;
 	unsigned int next = 0;
-	for (unsigned int row = 0; row < kLevels * kLevels; ++row)
+	for (unsigned int row = rows.first; row <= rows.last; ++row)
 	{
 		rows.begin[row] = static_cast<std::uint16_t>(next);
 		rows.leastErrors[row] = none;
@@ -56,7 +59,7 @@ void findRows(const HalfColour* colours, unsigned int count, unsigned int none, 
 			rows.leastErrors[row] = std::min(rows.leastErrors[row], colours[next].error);
 		}
 	}
-	rows.begin[kLevels * kLevels] = static_cast<std::uint16_t>(next);
+	rows.begin[rows.last + 1] = static_cast<std::uint16_t>(next);
 }
 
 /// The pairs of a split that are better than the best; equally good ones if they come before it.
@@ -93,7 +96,8 @@ public:
 			for (int green = from(1); green <= last(1); ++green)
 			{
 				const auto row = static_cast<unsigned int>(red * kLevels + green);
-				if (m_rows.leastErrors[row] == kNone || first.error + m_rows.leastErrors[row] >= limit())
+				if (row < m_rows.first || row > m_rows.last || m_rows.leastErrors[row] == kNone ||
+				    first.error + m_rows.leastErrors[row] >= limit())
 				{
 					continue;
 				}
@@ -128,37 +132,72 @@ private:
 	Rows m_rows;
 };
 
-unsigned int listColours(EtcHalf half, unsigned int limit, EtcSearchSpace& space, HalfColour* found)
+unsigned int listColours(const HalfWalk& walk, EtcSearchSpace& space, HalfColour* found)
 {
-	const HalfWalk walk{half, limit, false};
 	return withSimdLevel([&](auto level) { return walkHalf<level>(space, walk, found); });
 }
 
-void searchSplit(bool isFlipped, EtcSearchSpace& space, Pair& best)
+/// The least error of a half, as far as it is below the limit.
+unsigned int leastError(EtcHalf half, unsigned int limit, unsigned int seedError, EtcSearchSpace& space)
 {
-	const EtcHalf half1 = isFlipped ? kTopHalf : kLeftHalf;
-	const EtcHalf half2 = isFlipped ? kBottomHalf : kRightHalf;
-	const unsigned int limit = best.error + (best.isFound ? 1 : 0); // see CPairSearch::limit
+	HalfColour* found = space.halfColours[0];
+	const unsigned int count = listColours({half, std::min(limit, seedError), true}, space, found);
+	return count > 0 ? found[count - 1].error : std::min(limit, seedError);
+}
+
+/// What a split needs to be searched: the least error of both halves, by themselves.
+struct SplitBounds
+{
+	EtcHalf half1;
+	EtcHalf half2;
+	unsigned int least1;
+	unsigned int least2;
+};
+
+/// The pairs of a split that cost less than the limit.
+void searchPairs(const SplitBounds& split, unsigned int limit, EtcSearchSpace& space, Pair& best)
+{
 	auto& [colours1, colours2] = space.halfColours;
-	const unsigned int bound2 = lowerBoundOfHalf(space, half2);
-	const unsigned int count1 = bound2 < limit ? listColours(half1, limit - bound2, space, colours1) : 0;
-	if (count1 == 0)
-	{
-		return;
-	}
-	const unsigned int least1 = leastError(colours1, count1);
-	const unsigned int count2 = listColours(half2, limit - least1, space, colours2);
-	if (count2 == 0)
-	{
-		return;
-	}
-	const unsigned int least2 = leastError(colours2, count2);
-	CPairSearch pairs(space, count2, isFlipped, best);
+	const unsigned int count1 = listColours({split.half1, limit - split.least2, false}, space, colours1);
+	const unsigned int count2 = listColours({split.half2, limit - split.least1, false}, space, colours2);
+	CPairSearch pairs(space, count2, split.half1 == kTopHalf, best);
 	for (unsigned int i = 0; i < count1; ++i)
 	{
-		if (colours1[i].error + least2 < pairs.limit())
+		if (colours1[i].error + split.least2 < pairs.limit())
 		{
 			pairs.searchSecondColours(colours1[i]);
+		}
+	}
+}
+
+void searchSplit(bool isFlipped, const EtcHalves& seed, EtcSearchSpace& space, Pair& best)
+{
+	SplitBounds split{isFlipped ? kTopHalf : kLeftHalf, isFlipped ? kBottomHalf : kRightHalf, 0, 0};
+	const unsigned int limit = best.error + (best.isFound ? 1 : 0); // see CPairSearch::limit
+	const unsigned int bound2 = lowerBoundOfHalf(space, split.half2);
+	if (bound2 >= limit)
+	{
+		return;
+	}
+	split.least1 = leastError(split.half1, limit - bound2, seed.errors[split.half1], space);
+	if (split.least1 + bound2 >= limit)
+	{
+		return;
+	}
+	split.least2 = leastError(split.half2, limit - split.least1, seed.errors[split.half2], space);
+	if (split.least1 + split.least2 >= limit)
+	{
+		return;
+	}
+	// The best pair is mostly not much worse than its halves by themselves, and the lists grow fast with the limit.
+	const unsigned int room = limit - split.least1 - split.least2;
+	for (const unsigned int part : {room / 6 + 1, room})
+	{
+		const unsigned int partLimit = split.least1 + split.least2 + std::min(part, room);
+		searchPairs(split, partLimit, space, best);
+		if (best.error < partLimit)
+		{
+			return;
 		}
 	}
 }
@@ -177,7 +216,7 @@ unsigned int search(Seed&& seed, const unsigned char* source, unsigned int width
 	prepareHalfWalks<Scale>(loadBlockColumns(source, width, startX, startY), 5, space);
 	for (const bool isFlipped : {false, true})
 	{
-		searchSplit(isFlipped, space, best);
+		searchSplit(isFlipped, halves, space, best);
 	}
 	if (!best.isFound)
 	{
