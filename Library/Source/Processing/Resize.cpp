@@ -1,11 +1,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <utility>
 #include <vector>
 
 #include "ElementDispatch.h"
 #include "Resampling.h"
+#include "RowCache.h"
 #include "StandardTexture.h"
 
 namespace zortexture
@@ -41,16 +44,18 @@ ImageSize nextSize(const ImageSize& current, const ImageSize& target)
 	return {nextSize(current.width, target.width), nextSize(current.height, target.height), nextSize(current.depth, target.depth)};
 }
 
-/// Pixels of the largest image on the way from one size to another, both included.
-std::size_t largestStep(ImageSize current, const ImageSize& target)
+/// The steps of a mode that is no filter, none of which writes: two buffers take turns, of which one has the source and the other zeroes.
+template<typename T>
+void takeEmptySteps(const Pixel<T>* source, Pixel<T>* destination, ImageSize current, const ImageSize& target)
 {
-	std::size_t largest = current.numPixels();
-	while (current != target)
+	std::vector<Pixel<T>> front(source, source + current.numPixels());
+	std::vector<Pixel<T>> back;
+	for (; current != target; current = nextSize(current, target))
 	{
-		current = nextSize(current, target);
-		largest = std::max(largest, current.numPixels());
+		std::swap(front, back);
 	}
-	return largest;
+	front.resize(target.numPixels());
+	std::copy(front.begin(), front.end(), destination);
 }
 } // namespace
 
@@ -73,19 +78,41 @@ bool SteppedStretchImage(Pixel<T>* source, Pixel<T>* destination, unsigned int w
 		return false;
 	}
 
-	// Two buffers take turns, however many steps there are; source and destination may be the same image.
-	const std::size_t capacity = largestStep(current, target);
-	std::vector<Pixel<T>> front(capacity);
-	std::vector<Pixel<T>> back(capacity);
-	std::copy_n(source, current.numPixels(), front.data());
+	if (current == target)
+	{
+		std::memmove(destination, source, current.numPixels() * sizeof(Pixel<T>));
+		return true;
+	}
+	if (mode > eResizeCubic)
+	{
+		takeEmptySteps(source, destination, current, target);
+		return true;
+	}
+
+	// The first step reads the source and the last one writes the destination; what is between stands in two buffers at most. Only a single
+	// step does both, and then they may be the same image.
+	const auto buffer = [](const ImageSize& size)
+	{
+		return std::make_unique_for_overwrite<Pixel<T>[]>(size.numPixels());
+	};
+	std::unique_ptr<Pixel<T>[]> owned;
+	Pixel<T>* image = source;
+	if (nextSize(current, target) == target && isOverlapping(source, current.numPixels(), destination, target.numPixels()))
+	{
+		owned = buffer(current);
+		std::copy_n(source, current.numPixels(), owned.get());
+		image = owned.get();
+	}
 	while (current != target)
 	{
 		const ImageSize next = nextSize(current, target);
-		StretchImage(front.data(), back.data(), current.width, current.height, current.depth, next.width, next.height, next.depth, mode);
-		std::swap(front, back);
+		std::unique_ptr<Pixel<T>[]> room = next == target ? nullptr : buffer(next);
+		Pixel<T>* result = next == target ? destination : room.get();
+		StretchImage(image, result, current.width, current.height, current.depth, next.width, next.height, next.depth, mode);
+		owned = std::move(room);
+		image = result;
 		current = next;
 	}
-	std::copy_n(front.data(), target.numPixels(), destination);
 	return true;
 }
 
