@@ -42,6 +42,15 @@ void splineAlongRow(const float* row, const RowTaps<4>& x, float* numbers);
 template<ESimdLevel level>
 void splineAcrossRows(const float* const* rows, float fraction, float* numbers, std::size_t width);
 
+/// The splines at the fraction 1/2 in a shorter form. The results are the same where all steps of both forms are exact: along rows for
+/// integers of one or two bytes, across rows made so for those of one byte.
+///
+/// Along a row they are those between the pixels 2n and 2n + 1; a pixel ahead of the row and one behind it are read, too.
+template<ESimdLevel level>
+void middleAlongRow(const float* row, float* numbers, std::size_t width);
+template<ESimdLevel level>
+void middleAcrossRows(const float* const* rows, float* numbers, std::size_t width);
+
 /// The sums of the pixels of `numRows` rows under a kernel of as many rows, times `scale`. Rows begin with the kernelWidth / 2 pixels
 /// that stand ahead of the first one, and end with as many behind the last.
 template<ESimdLevel level>
@@ -55,9 +64,15 @@ void truncateRow(float* numbers, std::size_t width);
 /// A row smoothed with 1 2 1 on each axis and truncated: that of three rows, or of nine, three slices of three rows. The pixel ahead of
 /// the first one is the last one. For elements of one or two bytes: their sums are integers that a float holds, so that they may be
 /// taken in any order.
-/// @param sums  room for width + 2 pixels
+/// @param sums  room for the sums: smoothingRoom(width) bytes, aligned for 32-bit integers
 template<ESimdLevel level, typename T>
-void smoothRow(const Pixel<T>* const* rows, unsigned int numRows, Pixel<int>* sums, float* numbers, std::size_t width);
+void smoothRow(const Pixel<T>* const* rows, unsigned int numRows, void* sums, float* numbers, std::size_t width);
+
+/// A pixel on either side of the row, and a register behind it.
+constexpr std::size_t smoothingRoom(std::size_t width)
+{
+	return (width + 2) * sizeof(Pixel<int>) + 32;
+}
 
 /// The truncated means of 2 x 2 or, of four rows, 2 x 2 x 2 pixels: linear samples in the middle between them, for elements of one or
 /// two bytes, whose sums are exact in floats and so the same in integers.

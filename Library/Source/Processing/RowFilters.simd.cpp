@@ -73,6 +73,41 @@ ZORT_INLINE void splineAcross(const float* const* rows, float fraction, std::siz
 	    .store(numbers + offset);
 }
 
+/// The spline at t = 1/2.
+template<unsigned int N>
+ZORT_INLINE Floats<N> middle(Floats<N> p0, Floats<N> p1, Floats<N> p2, Floats<N> p3)
+{
+	return (Floats<N>::filled(9.0f) * (p1 + p2) - (p0 + p3)) * Floats<N>::filled(0.0625f);
+}
+
+/// From the pixel ahead of the two in the middle on. Two samples have a register each ahead of them, between, and behind.
+template<unsigned int N>
+ZORT_INLINE void middleAlong(const float* row, float* numbers)
+{
+	if constexpr (N == kChannels)
+	{
+		using Four = Floats<kChannels>;
+		middle(Four::load(row), Four::load(row + 4), Four::load(row + 8), Four::load(row + 12)).store(numbers);
+	}
+	else
+	{
+		const F32 ahead = F32::load(row);
+		const F32 between = F32::load(row + 8);
+		const F32 behind = F32::load(row + 16);
+		middle(join(lower(ahead), lower(between)), join(upper(ahead), upper(between)), join(lower(between), lower(behind)),
+		       join(upper(between), upper(behind)))
+		    .store(numbers);
+	}
+}
+
+template<unsigned int N>
+ZORT_INLINE void middleAcross(const float* const* rows, std::size_t offset, float* numbers)
+{
+	middle(Floats<N>::load(rows[0] + offset), Floats<N>::load(rows[1] + offset), Floats<N>::load(rows[2] + offset),
+	       Floats<N>::load(rows[3] + offset))
+	    .store(numbers + offset);
+}
+
 /// A weight on each row is that of the axis x times those of y and z, in this order.
 template<unsigned int N, unsigned int NumSlices>
 ZORT_INLINE void sampleLinear(const float* const* rows, const RowTaps<2>& x, const float (&weightY)[2], const float (&weightZ)[2],
@@ -279,33 +314,108 @@ ZORT_INLINE void halveRows(const Pixel<T>* const* rows, Pixel<T>* result, std::s
 	}
 }
 
-/// The sum of the rows at N elements with the weights 1 2 1, or with their outer product over three slices.
-template<unsigned int N, typename T>
-ZORT_INLINE Lanes<std::int32_t, N> sumOfRows(const Pixel<T>* const* rows, unsigned int numRows, std::size_t offset)
+/// Smoothed values times 64 at most: of bytes in 16 bits, of words in 32.
+template<typename T>
+using Sum = std::conditional_t<sizeof(T) == 1, std::uint16_t, std::int32_t>;
+
+ZORT_INLINE U16 loadSums(const unsigned char* elements)
 {
-	const auto at = [offset](const Pixel<T>* row) __attribute__((always_inline))
-	{
-		return loadWidened<N>(reinterpret_cast<const T*>(row) + offset);
-	};
-	const auto ofSlice = [at](const Pixel<T>* const* slice) __attribute__((always_inline))
-	{
-		const Lanes<std::int32_t, N> middle = at(slice[1]);
-		return at(slice[0]) + middle + middle + at(slice[2]);
-	};
-	if (numRows == 3)
-	{
-		return ofSlice(rows);
-	}
-	const Lanes<std::int32_t, N> middle = ofSlice(rows + 3);
-	return ofSlice(rows) + middle + middle + ofSlice(rows + 6);
+	return loadWords(elements);
+}
+ZORT_INLINE I32 loadSums(const unsigned short* elements)
+{
+	return loadWidened<I32::kCount>(elements);
 }
 
 template<unsigned int N>
-ZORT_INLINE void smoothAlong(const std::int32_t* sums, int shift, float* numbers)
+ZORT_INLINE Floats<N> loadSmoothed(const std::uint16_t* sums)
 {
-	using Sums = Lanes<std::int32_t, N>;
+	return convert<float>(loadWidened<N>(sums));
+}
+template<unsigned int N>
+ZORT_INLINE Floats<N> loadSmoothed(const std::int32_t* sums)
+{
+	return convert<float>(Lanes<std::int32_t, N>::load(sums));
+}
+
+/// The sum of three rows with the weights 1 2 1, at one register of sums.
+template<typename T>
+ZORT_INLINE FullLanes<Sum<T>> sumOfSlice(const T* const* rows, std::size_t offset)
+{
+	const FullLanes<Sum<T>> middle = loadSums(rows[1] + offset);
+	return loadSums(rows[0] + offset) + middle + middle + loadSums(rows[2] + offset);
+}
+
+/// The sum of the rows of a slice, or with the same weights that of three slices.
+template<unsigned int NumRows, typename T>
+ZORT_INLINE void addRows(const T* const (&rows)[NumRows], std::size_t offset, Sum<T>* sums)
+{
+	if constexpr (NumRows == 3)
+	{
+		sumOfSlice(rows, offset).store(sums + offset);
+	}
+	else
+	{
+		const FullLanes<Sum<T>> middle = sumOfSlice(rows + 3, offset);
+		(sumOfSlice(rows, offset) + middle + middle + sumOfSlice(rows + 6, offset)).store(sums + offset);
+	}
+}
+
+/// One register of sums along a row, from three pixels on.
+template<typename T>
+ZORT_INLINE void addAlong(const Sum<T>* sums, int shift, Sum<T>* result)
+{
+	using Sums = FullLanes<Sum<T>>;
 	const Sums middle = Sums::load(sums + kChannels);
-	convert<float>((Sums::load(sums) + middle + middle + Sums::load(sums + 2 * kChannels)) >> shift).store(numbers);
+	((Sums::load(sums) + middle + middle + Sums::load(sums + std::size_t{2} * kChannels)) >> shift).store(result);
+}
+
+/// `sums` has room for a pixel ahead of the row and for a register and a pixel behind it.
+template<unsigned int NumRows, typename T>
+ZORT_INLINE void smoothRows(const Pixel<T>* const* rows, Sum<T>* sums, float* numbers, std::size_t width)
+{
+	constexpr unsigned int kStep = kLanesBytes / sizeof(Sum<T>);
+	constexpr int kShift = NumRows == 3 ? 4 : 6;
+	const std::size_t count = width * kChannels;
+	const T* elements[NumRows];
+	for (unsigned int row = 0; row < NumRows; ++row)
+	{
+		elements[row] = reinterpret_cast<const T*>(rows[row]);
+	}
+	Sum<T>* inner = sums + kChannels;
+	std::size_t i = 0;
+	for (; i + kStep <= count; i += kStep)
+	{
+		addRows(elements, i, inner);
+	}
+	if (i < count)
+	{
+		T tails[NumRows][kStep] = {};
+		for (unsigned int row = 0; row < NumRows; ++row)
+		{
+			std::memcpy(tails[row], elements[row] + i, (count - i) * sizeof(T));
+			elements[row] = tails[row];
+		}
+		addRows(elements, 0, inner + i);
+	}
+	for (unsigned int channel = 0; channel < kChannels; ++channel)
+	{
+		sums[channel] = inner[count - kChannels + channel];
+		inner[count + channel] = inner[count - kChannels + channel];
+	}
+	// The results go where the sums ahead of them were, which are not needed any more.
+	for (i = 0; i < count; i += kStep)
+	{
+		addAlong<T>(sums + i, kShift, sums + i);
+	}
+	for (i = 0; i + F32::kCount <= count; i += F32::kCount)
+	{
+		loadSmoothed<F32::kCount>(sums + i).store(numbers + i);
+	}
+	for (; i < count; i += kChannels)
+	{
+		loadSmoothed<kChannels>(sums + i).store(numbers + i);
+	}
 }
 } // namespace
 
@@ -387,6 +497,35 @@ void splineAcrossRows(const float* const* rows, float fraction, float* numbers, 
 }
 
 template<ESimdLevel level>
+void middleAlongRow(const float* row, float* numbers, std::size_t width)
+{
+	std::size_t pixel = 0;
+	for (; pixel + kPixelsAtOnce <= width; pixel += kPixelsAtOnce)
+	{
+		middleAlong<F32::kCount>(row + (2 * pixel - 1) * kChannels, numbers + pixel * kChannels);
+	}
+	for (; pixel < width; ++pixel)
+	{
+		middleAlong<kChannels>(row + (2 * pixel - 1) * kChannels, numbers + pixel * kChannels);
+	}
+}
+
+template<ESimdLevel level>
+void middleAcrossRows(const float* const* rows, float* numbers, std::size_t width)
+{
+	const std::size_t count = width * kChannels;
+	std::size_t i = 0;
+	for (; i + F32::kCount <= count; i += F32::kCount)
+	{
+		middleAcross<F32::kCount>(rows, i, numbers);
+	}
+	for (; i < count; i += kChannels)
+	{
+		middleAcross<kChannels>(rows, i, numbers);
+	}
+}
+
+template<ESimdLevel level>
 void convolveRow(const float* const* rows, std::size_t numRows, const float* kernel, unsigned int kernelWidth, float scale, float* numbers,
                  std::size_t width)
 {
@@ -416,31 +555,15 @@ void truncateRow(float* numbers, std::size_t width)
 }
 
 template<ESimdLevel level, typename T>
-void smoothRow(const Pixel<T>* const* rows, unsigned int numRows, Pixel<int>* sums, float* numbers, std::size_t width)
+void smoothRow(const Pixel<T>* const* rows, unsigned int numRows, void* sums, float* numbers, std::size_t width)
 {
-	auto* inner = reinterpret_cast<std::int32_t*>(sums + 1);
-	const std::size_t count = width * kChannels;
-	std::size_t i = 0;
-	for (; i + F32::kCount <= count; i += F32::kCount)
+	if (numRows == 3)
 	{
-		sumOfRows<F32::kCount>(rows, numRows, i).store(inner + i);
+		smoothRows<3>(rows, static_cast<Sum<T>*>(sums), numbers, width);
 	}
-	for (; i < count; i += kChannels)
+	else
 	{
-		sumOfRows<kChannels>(rows, numRows, i).store(inner + i);
-	}
-	sums[0] = sums[width];
-	sums[width + 1] = sums[width];
-
-	const int shift = numRows == 3 ? 4 : 6;
-	i = 0;
-	for (; i + F32::kCount <= count; i += F32::kCount)
-	{
-		smoothAlong<F32::kCount>(inner - kChannels + i, shift, numbers + i);
-	}
-	for (; i < count; i += kChannels)
-	{
-		smoothAlong<kChannels>(inner - kChannels + i, shift, numbers + i);
+		smoothRows<9>(rows, static_cast<Sum<T>*>(sums), numbers, width);
 	}
 }
 
@@ -468,10 +591,12 @@ ZORT_ROW_FILTERS(float)
 template void linearRow<kLanesLevel>(const float* const*, unsigned int, const RowTaps<2>&, float, float, float*);
 template void splineAlongRow<kLanesLevel>(const float*, const RowTaps<4>&, float*);
 template void splineAcrossRows<kLanesLevel>(const float* const*, float, float*, std::size_t);
+template void middleAlongRow<kLanesLevel>(const float*, float*, std::size_t);
+template void middleAcrossRows<kLanesLevel>(const float* const*, float*, std::size_t);
 template void convolveRow<kLanesLevel>(const float* const*, std::size_t, const float*, unsigned int, float, float*, std::size_t);
 template void truncateRow<kLanesLevel>(float*, std::size_t);
-template void smoothRow<kLanesLevel>(const Pixel<unsigned char>* const*, unsigned int, Pixel<int>*, float*, std::size_t);
-template void smoothRow<kLanesLevel>(const Pixel<unsigned short>* const*, unsigned int, Pixel<int>*, float*, std::size_t);
+template void smoothRow<kLanesLevel>(const Pixel<unsigned char>* const*, unsigned int, void*, float*, std::size_t);
+template void smoothRow<kLanesLevel>(const Pixel<unsigned short>* const*, unsigned int, void*, float*, std::size_t);
 template void halveRow<kLanesLevel>(const Pixel<unsigned char>* const*, unsigned int, Pixel<unsigned char>*, std::size_t);
 template void halveRow<kLanesLevel>(const Pixel<unsigned short>* const*, unsigned int, Pixel<unsigned short>*, std::size_t);
 } // namespace zortexture

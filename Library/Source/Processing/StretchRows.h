@@ -45,12 +45,19 @@ std::vector<float> fractionsOfChannels(const std::vector<AxisTaps<Count>>& taps)
 	return fractions;
 }
 
-/// Whether each sample lies in the middle between two pixels of its own.
-inline bool isHalving(const std::vector<LinearTaps>& taps)
+/// Whether each sample lies in the middle between two pixels of its own, on an axis of `size` pixels.
+template<unsigned int Count>
+bool isHalving(const std::vector<AxisTaps<Count>>& taps, std::size_t size)
 {
 	for (std::size_t i = 0; i < taps.size(); ++i)
 	{
-		if (taps[i].fraction != 0.5f || taps[i].index[0] != 2 * i || taps[i].index[1] != 2 * i + 1)
+		const std::size_t middle[2] = {2 * i, 2 * i + 1};
+		const AxisTaps<Count>& pixel = taps[i];
+		if (pixel.fraction != 0.5f || !std::equal(middle, middle + 2, pixel.index + Count / 2 - 1))
+		{
+			return false;
+		}
+		if (Count == 4 && (pixel.index[0] != (i == 0 ? 0 : 2 * i - 1) || pixel.index[Count - 1] != std::min(2 * i + 2, size - 1)))
 		{
 			return false;
 		}
@@ -63,7 +70,7 @@ void stretchLinearRows(const Pixel<T>* source, Pixel<T>* destination, const Stre
 {
 	constexpr bool isSmallInteger = sizeof(T) < 4;
 	const std::size_t width = step.x.size();
-	const bool isHalvingX = isHalving(step.x);
+	const bool isHalvingX = isHalving(step.x, step.width);
 	const std::vector<float> fractions = fractionsOfChannels(step.x);
 	const RowTaps<2> tapsX = {step.x.data(), fractions.data(), width};
 	RowCache cache(std::is_same_v<T, float> ? 0 : 4, step.width);
@@ -115,25 +122,32 @@ class SourceRows
 {
 public:
 	SourceRows(const Pixel<T>* image, unsigned int width, unsigned int height, unsigned int depth, bool isSmoothed)
-	    : m_image(image), m_width(width), m_height(height), m_depth(depth), m_isSmoothed(isSmoothed), m_numbers(numbersOf(width)),
-	      m_sums(kIsSmallInteger && isSmoothed ? width + std::size_t{2} : 0), m_convolved(image, width, height, depth, kernel())
+	    : m_image(image), m_width(width), m_height(height), m_depth(depth), m_isSmoothed(isSmoothed),
+	      m_numbers(numbersOf(width + std::size_t{2})), m_sums(kIsSmallInteger && isSmoothed ? smoothingRoom(width) / sizeof(int) : 0),
+	      m_convolved(image, width, height, depth, kernel())
 	{
 	}
 
-	/// Row `row` of all slices; valid until the next call.
+	/// Row `row` of all slices; valid until the next call. Rows of integers stand between copies of their first and last pixels.
 	const float* find(std::size_t row)
 	{
+		float* first = m_numbers.get() + 4;
 		if (m_isSmoothed)
 		{
-			smooth(static_cast<unsigned int>(row % m_height), static_cast<unsigned int>(row / m_height));
-			return m_numbers.get();
+			smooth(static_cast<unsigned int>(row % m_height), static_cast<unsigned int>(row / m_height), first);
 		}
-		if constexpr (std::is_same_v<T, float>)
+		else if constexpr (std::is_same_v<T, float>)
 		{
 			return reinterpret_cast<const float*>(m_image + row * m_width);
 		}
-		expandRow<level>(m_image + row * m_width, m_numbers.get(), m_width);
-		return m_numbers.get();
+		else
+		{
+			expandRow<level>(m_image + row * m_width, first, m_width);
+		}
+		float* end = first + std::size_t{m_width} * 4;
+		std::copy_n(first, 4, first - 4);
+		std::copy_n(end - 4, 4, end);
+		return first;
 	}
 
 private:
@@ -148,7 +162,7 @@ private:
 		return m_depth == 1 ? Kernel{kSmoothing2D, 1.0f / 16.0f, 3, 3, 1} : Kernel{kSmoothing3D, 1.0f / 64.0f, 3, 3, 3};
 	}
 
-	void smooth(unsigned int y, unsigned int z)
+	void smooth(unsigned int y, unsigned int z, float* numbers)
 	{
 		if constexpr (kIsSmallInteger)
 		{
@@ -159,14 +173,14 @@ private:
 				const std::size_t slice = tapCoordinate(z, i / 3, numSlices, m_depth);
 				rows[i] = m_image + (slice * m_height + tapCoordinate(y, i % 3, 3, m_height)) * m_width;
 			}
-			smoothRow<level>(rows, numSlices * 3, m_sums.data(), m_numbers.get(), m_width);
+			smoothRow<level>(rows, numSlices * 3, m_sums.data(), numbers, m_width);
 		}
 		else
 		{
-			m_convolved.make(y, z, m_numbers.get());
+			m_convolved.make(y, z, numbers);
 			if constexpr (!std::is_same_v<T, float>)
 			{
-				truncateRow<level>(m_numbers.get(), m_width);
+				truncateRow<level>(numbers, m_width);
 			}
 		}
 	}
@@ -177,8 +191,26 @@ private:
 	unsigned int m_depth;
 	bool m_isSmoothed;
 	std::unique_ptr<float[]> m_numbers;
-	std::vector<Pixel<int>> m_sums;
+	std::vector<int> m_sums;
 	ConvolvedRows<level, T> m_convolved;
+};
+
+/// Which of the shorter ways to a spline give its very bits.
+template<typename T>
+struct CubicShortcuts
+{
+	CubicShortcuts(const std::vector<CubicTaps>& x, std::size_t size)
+	    : isMiddleAlong(sizeof(T) < 4 && isHalving(x, size)),
+	      isMiddleAcross(
+	          sizeof(T) == 1 &&
+	          std::all_of(x.begin(), x.end(), [](const CubicTaps& taps) { return taps.fraction == 0.5f || taps.fraction == 0.0f; }))
+	{
+	}
+
+	bool isMiddleAlong;  ///< middleAlongRow for all rows
+	bool isMiddleAcross; ///< middleAcrossRows where the fraction is 1/2
+	/// The second of four rows as it is where the fraction is 0; but floats may be infinite, or no numbers, and then the others show.
+	static constexpr bool isSecondRow = !std::is_same_v<T, float>;
 };
 
 template<ESimdLevel level, typename T>
@@ -187,10 +219,38 @@ void stretchCubicRows(const Pixel<T>* source, Pixel<T>* destination, const Stret
 	const std::size_t width = step.x.size();
 	const std::vector<float> fractions = fractionsOfChannels(step.x);
 	const RowTaps<4> tapsX = {step.x.data(), fractions.data(), width};
+	const CubicShortcuts<T> shortcuts(step.x, step.width);
 	const unsigned int numSlices = step.depth == 1 ? 1 : 4;
 	SourceRows<level, T> sourceRows(source, step.width, step.height, step.depth, isSmoothed);
 	RowCache cache(numSlices * std::size_t{4}, width);
 	const auto numbers = numbersOf((numSlices + 1) * width);
+	const auto sampleAlong = [&](std::size_t key, float* row)
+	{
+		if (shortcuts.isMiddleAlong)
+		{
+			middleAlongRow<level>(sourceRows.find(key), row, width);
+		}
+		else
+		{
+			splineAlongRow<level>(sourceRows.find(key), tapsX, row);
+		}
+	};
+	const auto sampleAcross = [&](const float* const* rows, float fraction, bool isExact, float* result) -> const float*
+	{
+		if (shortcuts.isSecondRow && fraction == 0.0f)
+		{
+			return rows[1];
+		}
+		if (isExact && fraction == 0.5f)
+		{
+			middleAcrossRows<level>(rows, result, width);
+		}
+		else
+		{
+			splineAcrossRows<level>(rows, fraction, result, width);
+		}
+		return result;
+	};
 	for (const CubicTaps& z : step.z)
 	{
 		for (const CubicTaps& y : step.y)
@@ -201,21 +261,13 @@ void stretchCubicRows(const Pixel<T>* source, Pixel<T>* destination, const Stret
 				keys[i] = z.index[i / 4] * step.height + y.index[i % 4];
 			}
 			const float* rows[16];
-			cache.find(keys, numSlices * std::size_t{4}, rows,
-			           [&](std::size_t key, float* row) { splineAlongRow<level>(sourceRows.find(key), tapsX, row); });
+			cache.find(keys, numSlices * std::size_t{4}, rows, sampleAlong);
 			const float* slices[4];
 			for (unsigned int i = 0; i < numSlices; ++i)
 			{
-				float* slice = numbers.get() + i * width * 4;
-				splineAcrossRows<level>(rows + i * std::size_t{4}, y.fraction, slice, width);
-				slices[i] = slice;
+				slices[i] = sampleAcross(rows + i * std::size_t{4}, y.fraction, shortcuts.isMiddleAcross, numbers.get() + i * width * 4);
 			}
-			float* result = numbers.get();
-			if (numSlices == 4)
-			{
-				result += 4 * width * 4;
-				splineAcrossRows<level>(slices, z.fraction, result, width);
-			}
+			const float* result = numSlices == 1 ? slices[0] : sampleAcross(slices, z.fraction, false, numbers.get() + 4 * width * 4);
 			clampRow<level>(result, destination, width);
 			destination += width;
 		}

@@ -383,6 +383,18 @@ ZORT_INLINE Lanes<std::int32_t, N> loadWidened(const std::uint16_t* memory)
 #endif
 }
 
+/// Half a register of bytes from memory, each in a lane of two.
+ZORT_INLINE U16 loadWords(const std::uint8_t* memory)
+{
+	__m128i narrow = _mm_setzero_si128();
+	std::memcpy(&narrow, memory, U16::kCount);
+#if defined(__AVX2__)
+	return {reinterpret_cast<U16::Vector>(_mm256_cvtepu8_epi16(narrow))};
+#else
+	return {reinterpret_cast<U16::Vector>(_mm_unpacklo_epi8(narrow, _mm_setzero_si128()))};
+#endif
+}
+
 /// Lanes of a and b by turns, from the first half of each 16 bytes, or from the second.
 #define ZORT_LANES_INTERLEAVE(T, suffix)                                                                                                   \
 	ZORT_LANES_BINARY(interleaveLow, T, T, 1, _mm_unpacklo_##suffix, _mm256_unpacklo_##suffix)                                             \
