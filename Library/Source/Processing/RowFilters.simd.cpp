@@ -148,19 +148,25 @@ ZORT_INLINE void sampleLinearRow(const float* const* rows, const RowTaps<2>& x, 
 	}
 }
 
+/// Two registers side by side, so that one waits for its sum while the other adds. They may be the same.
 template<unsigned int N>
 ZORT_INLINE void convolve(const float* const* rows, std::size_t numRows, const float* kernel, unsigned int kernelWidth, float scale,
-                          std::size_t offset, float* numbers)
+                          std::size_t first, std::size_t second, float* numbers)
 {
-	auto sum = Floats<N>::filled(0.0f);
+	auto sumOfFirst = Floats<N>::filled(0.0f);
+	auto sumOfSecond = Floats<N>::filled(0.0f);
 	for (std::size_t row = 0; row < numRows; ++row)
 	{
-		for (unsigned int x = 0; x < kernelWidth; ++x, ++kernel)
+		const float* pixel = rows[row];
+		for (unsigned int x = 0; x < kernelWidth; ++x, ++kernel, pixel += kChannels)
 		{
-			sum += Floats<N>::filled(*kernel) * Floats<N>::load(rows[row] + offset + x * kChannels);
+			const auto tap = Floats<N>::filled(*kernel);
+			sumOfFirst += tap * Floats<N>::load(pixel + first);
+			sumOfSecond += tap * Floats<N>::load(pixel + second);
 		}
 	}
-	(sum * Floats<N>::filled(scale)).store(numbers + offset);
+	(sumOfFirst * Floats<N>::filled(scale)).store(numbers + first);
+	(sumOfSecond * Floats<N>::filled(scale)).store(numbers + second);
 }
 
 /// As many pixels as a register of elements holds, limited and truncated. Of unsigned int, 2^32 becomes 0.
@@ -531,13 +537,13 @@ void convolveRow(const float* const* rows, std::size_t numRows, const float* ker
 {
 	const std::size_t count = width * kChannels;
 	std::size_t i = 0;
-	for (; i + F32::kCount <= count; i += F32::kCount)
+	for (; i + 2 * F32::kCount <= count; i += 2 * F32::kCount)
 	{
-		convolve<F32::kCount>(rows, numRows, kernel, kernelWidth, scale, i, numbers);
+		convolve<F32::kCount>(rows, numRows, kernel, kernelWidth, scale, i, i + F32::kCount, numbers);
 	}
 	for (; i < count; i += kChannels)
 	{
-		convolve<kChannels>(rows, numRows, kernel, kernelWidth, scale, i, numbers);
+		convolve<kChannels>(rows, numRows, kernel, kernelWidth, scale, i, i, numbers);
 	}
 }
 
