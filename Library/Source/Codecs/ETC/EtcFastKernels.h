@@ -72,6 +72,11 @@ enum class EtcClustering
 template<ESimdLevel level, EtcClustering clustering>
 void clusterColoursFast(const unsigned char (&colours)[48], unsigned char (&pair)[2][3]);
 
+/// Whether no T or H block whatever can be strictly better than `error`, an error in integers of the measure. A bound by the hues that such
+/// blocks can have; it holds for four blocks of ten in a photograph.
+template<ESimdLevel level, EtcMeasure measure>
+bool isBeyondPaintsFast(const EtcTexelPairs& texels, unsigned int error);
+
 /// Sums of the weighted squares (see EtcTexelLanes.h) for two colours, by distance: of the H block, and of the T blocks whose second
 /// colour, or first colour, carries the distance. In the plain measure they are the errors.
 struct EtcPaintSums

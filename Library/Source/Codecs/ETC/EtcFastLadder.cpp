@@ -93,6 +93,10 @@ public:
 			return; // nothing can be strictly better
 		}
 		tryPlanar();
+		if (isBeyondPaintsFast<level, measure>(m_texels, m_best.error))
+		{
+			return;
+		}
 
 		EtcColourPair colours;
 		clusterColoursFast<level, EtcClustering::HalfIntensityFast>(m_block.colours, colours);

@@ -31,7 +31,51 @@ ZORT_INLINE I16 filledPairs(int first, int second)
 {
 	return as<std::int16_t>(I32::filled(pairOf(first, second)));
 }
+
+/// What is left of differences of channels by the nearest multiple of 17: -8 to 8.
+ZORT_INLINE I16 remainders(I16 differences)
+{
+	const I16 positive = differences + I16::filled(16 * 17 + 8);
+	const I16 quotient = multiplyHigh(positive, I16::filled(3856)); // over 17, exact up to 535
+	return positive - quotient * I16::filled(17) - I16::filled(8);
+}
 } // namespace
+
+// The channels of a paint colour differ by multiples of 17, the step of 4 bits, as the distance is the same for all channels; only a
+// channel that stops at 0 or 255 breaks this. The least |d|^2 for given differences between its channels is a third of the sum of the
+// squares of these (for the perceptual weights, the sum weighted by their products). So the remainders of a texel bound its error from
+// below, unless one of its channels is so near the end of the range that a colour which stops there may be as near.
+template<ESimdLevel level, EtcMeasure measure>
+bool isBeyondPaintsFast(const EtcTexelPairs& texels, unsigned int error)
+{
+	constexpr bool kIsPlain = measure == EtcMeasure::Plain;
+	// 8 * 8 is the greatest bound, and in thousandths 17.7 thousand, which a difference of 13 exceeds in the channel of least weight.
+	constexpr std::int16_t kLeast = kIsPlain ? 8 : 13;
+	constexpr std::int16_t kGreatest = 255 - kLeast;
+	I32 sums = I32::filled(0);
+	for (unsigned int i = 0; i < 16; i += I32::kCount)
+	{
+		const I32 redGreen = I32::load(texels.redGreen + i);
+		const I32 blue = I32::load(texels.blue + i);
+		const I32 blueBlue = blue | blue << 16;
+		const I16 toBlue = remainders(as<std::int16_t>(redGreen) - as<std::int16_t>(blueBlue));
+		const I16 toRed = remainders(as<std::int16_t>(redGreen) - as<std::int16_t>(redGreen << 16));
+		const I16 toRedAlone = as<std::int16_t>(as<std::int32_t>(toRed) & I32::filled(static_cast<int>(0xFFFF0000)));
+		// Of (R - B, G - B), and of (nothing, G - R).
+		const I16 weighted = kIsPlain ? toBlue : toBlue * filledPairs(34, 66);
+		const I16 weightedToRed = kIsPlain ? toRedAlone : toRedAlone * filledPairs(0, 175);
+		const I32 squares = sumsOfProducts(weighted, toBlue) + sumsOfProducts(weightedToRed, toRedAlone);
+
+		const auto isInside = [](I32 pairs)
+		{
+			const I16 channels = as<std::int16_t>(pairs);
+			return as<std::int32_t>((channels >= I16::filled(kLeast)) & (channels <= I16::filled(kGreatest))) == I32::filled(-1);
+		};
+		sums += squares & isInside(redGreen) & isInside(blueBlue);
+	}
+	const auto bound = static_cast<unsigned int>(sumOfLanes(sums));
+	return kIsPlain ? bound >= error * 3 : bound > error;
+}
 
 template<ESimdLevel level, EtcMeasure measure>
 void sumPaintsFast(const EtcTexelPairs& texels, const unsigned char (&pair)[2][3], EtcPaintSums& sums)
@@ -124,6 +168,8 @@ unsigned int matchPaintsFast(const EtcTexelPairs& texels, const unsigned char (&
 	return static_cast<unsigned int>(sumOfLanes(total));
 }
 
+template bool isBeyondPaintsFast<kLanesLevel, EtcMeasure::Plain>(const EtcTexelPairs&, unsigned int);
+template bool isBeyondPaintsFast<kLanesLevel, EtcMeasure::Perceptual>(const EtcTexelPairs&, unsigned int);
 template void sumPaintsFast<kLanesLevel, EtcMeasure::Plain>(const EtcTexelPairs&, const unsigned char (&)[2][3], EtcPaintSums&);
 template void sumPaintsFast<kLanesLevel, EtcMeasure::Perceptual>(const EtcTexelPairs&, const unsigned char (&)[2][3], EtcPaintSums&);
 template unsigned int matchPaintsFast<kLanesLevel, EtcMeasure::Plain>(const EtcTexelPairs&, const unsigned char (&)[4][3], unsigned int&);
