@@ -62,8 +62,10 @@ struct EtcSearchSpace
 	/// The colours of both halves that may be in a block within the bound.
 	HalfColour halfColours[2][kColours5Bits];
 
-	/// T and H: by channel and by shift of the level; the tables by red, by green for each red, and by blue for each red and green.
+	/// T and H: by channel and by shift of the level; the tables with all channels open, by red, by green for each red, and by blue for
+	/// each red and green.
 	LevelErrors offsets[3][17];
+	PaintTables paintOpen;
 	PaintTables paintR;
 	PaintTables paintRG[16];
 	PaintTables paintRGB[256];

@@ -87,11 +87,16 @@ public:
 		{
 			++m_scale;
 		}
-		fillOffsets();
 	}
 
 	void run()
 	{
+		const unsigned int distances = fillOpen();
+		if (distances == 0)
+		{
+			return;
+		}
+		fillOffsets(distances);
 		// What both channels that are open cost at least.
 		std::int16_t open[kPaintShifts][16];
 		for (unsigned int shift = 0; shift < kPaintShifts; ++shift)
@@ -101,12 +106,13 @@ public:
 				open[shift][texel] = sum(least(1, shift, texel), least(2, shift, texel));
 			}
 		}
-		fillPaint(open, 0, kAllDistances, m_space.paintR);
+		fillPaint(open, 0, distances, m_space.paintR);
+		const Passing all = narrow(m_space.paintOpen, 0, m_space.paintOpen, 0, m_space.paintR, m_space.paintR, distances);
 		for (unsigned int red0 = 0; red0 < 16; ++red0)
 		{
 			unsigned int passing[8];
 			const unsigned int allowed = kIsOrdered ? kAllLevels << red0 & kAllLevels : kAllLevels;
-			const unsigned int any = findPassing(m_space.paintR, m_space.paintR, red0, kAllDistances, allowed, passing);
+			const unsigned int any = findPassing(m_space.paintR, m_space.paintR, red0, allowed, all, passing);
 			for (unsigned int red1 = 0; red1 < 16; ++red1)
 			{
 				if ((any >> red1 & 1) != 0)
@@ -121,7 +127,6 @@ private:
 	/// The colours of H are interchangeable, so that the second never counts below the first.
 	static constexpr bool kIsOrdered = Mode == TwoColourMode::H;
 	static constexpr unsigned int kCeiling = 32767;
-	static constexpr unsigned int kAllDistances = 0xFF;
 	static constexpr unsigned int kAllLevels = 0xFFFF;
 
 	static std::int16_t sum(std::int16_t a, std::int16_t b)
@@ -131,9 +136,19 @@ private:
 	}
 
 	/// What scaled sums have to be below; 0 if nothing is below the bound.
+	[[nodiscard]] unsigned int scaledBound() const
+	{
+		return m_bound == 0 ? 0 : ((m_bound - 1) >> m_scale) + 1;
+	}
 	[[nodiscard]] Levels limit() const
 	{
-		return Levels::filled(static_cast<std::int16_t>(m_bound == 0 ? 0 : ((m_bound - 1) >> m_scale) + 1));
+		return Levels::filled(static_cast<std::int16_t>(scaledBound()));
+	}
+
+	/// Whether any of the distances uses a shift.
+	static bool isShiftAt(unsigned int shift, unsigned int distances)
+	{
+		return shift == kNoShift || (distances >> ((shift - 1) % 8) & 1) != 0;
 	}
 
 	/// What a channel costs a texel at least, at the level that suits it best.
@@ -144,12 +159,49 @@ private:
 		return static_cast<std::int16_t>(error < kCeiling ? error : kCeiling);
 	}
 
-	void fillOffsets()
+	/// Fills the tables of colours that are open in all channels, of which level 0 alone is used. Returns the distances at which the
+	/// block may cost less than the bound even so.
+	unsigned int fillOpen()
+	{
+		unsigned int sums[8] = {};
+		PaintTables& open = m_space.paintOpen;
+		for (unsigned int texel = 0; texel < 16; ++texel)
+		{
+			std::int16_t shifts[kPaintShifts];
+			for (unsigned int shift = 0; shift < kPaintShifts; ++shift)
+			{
+				shifts[shift] = sum(sum(least(0, shift, texel), least(1, shift, texel)), least(2, shift, texel));
+			}
+			const std::int16_t plain = Mode == TwoColourMode::T ? shifts[kNoShift] : static_cast<std::int16_t>(kCeiling);
+			open.plain.at[texel][0] = plain;
+			for (unsigned int distance = 0; distance < 8; ++distance)
+			{
+				const std::int16_t darker = shifts[kDarker + distance];
+				const std::int16_t lighter = shifts[kLighter + distance];
+				const std::int16_t shifted = darker < lighter ? darker : lighter;
+				const std::int16_t best = plain < shifted ? plain : shifted;
+				open.shifted[distance].at[texel][0] = best;
+				sums[distance] += static_cast<unsigned int>(best);
+			}
+		}
+		unsigned int distances = 0;
+		for (unsigned int distance = 0; distance < 8; ++distance)
+		{
+			distances |= (sums[distance] < scaledBound() ? 1U : 0U) << distance;
+		}
+		return distances;
+	}
+
+	void fillOffsets(unsigned int distances)
 	{
 		for (unsigned int channel = 0; channel < 3; ++channel)
 		{
 			for (unsigned int shift = 0; shift < kPaintShifts; ++shift)
 			{
+				if (!isShiftAt(shift, distances))
+				{
+					continue;
+				}
 				const Levels colours = Levels::load(kShiftedLevels.colours[shift]);
 				for (unsigned int texel = 0; texel < 16; ++texel)
 				{
@@ -201,7 +253,7 @@ private:
 		std::int16_t others[kPaintShifts][16];
 		for (unsigned int shift = 0; shift < kPaintShifts; ++shift)
 		{
-			for (unsigned int texel = 0; texel < 16; ++texel)
+			for (unsigned int texel = 0; texel < 16 && isShiftAt(shift, missing); ++texel)
 			{
 				others[shift][texel] = sum(m_space.offsets[0][shift].at[texel][red], least(2, shift, texel));
 			}
@@ -221,7 +273,7 @@ private:
 		std::int16_t others[kPaintShifts][16];
 		for (unsigned int shift = 0; shift < kPaintShifts; ++shift)
 		{
-			for (unsigned int texel = 0; texel < 16; ++texel)
+			for (unsigned int texel = 0; texel < 16 && isShiftAt(shift, missing); ++texel)
 			{
 				others[shift][texel] =
 				    sum(m_space.offsets[0][shift].at[texel][redGreen / 16], m_space.offsets[1][shift].at[texel][redGreen % 16]);
@@ -230,33 +282,71 @@ private:
 		fillPaint(others, 2, missing, m_space.paintRGB[redGreen]);
 	}
 
+	/// Levels of both colours of a pair in the channel at hand, one bit each, by distance.
+	struct Passing
+	{
+		unsigned int levels0[8];
+		unsigned int levels1[8];
+	};
+
+	/// The errors of a second colour.
+	static const LevelErrors& second(const PaintTables& tables, unsigned int distance)
+	{
+		return Mode == TwoColourMode::T ? tables.plain : tables.shifted[distance];
+	}
+
+	/// The levels of each colour that may cost less than the bound beside the other colour, whatever the level of that: as a rule
+	/// only few are left, and mostly at fewer distances.
+	/// @param open0, open1  the tables by the channel before, in which the channel at hand is open.
+	Passing narrow(const PaintTables& open0, unsigned int level0, const PaintTables& open1, unsigned int level1, const PaintTables& first,
+	               const PaintTables& seconds, unsigned int distances) const
+	{
+		Passing passing = {};
+		const Levels below = limit();
+		for (unsigned int distance = 0; distance < 8; ++distance)
+		{
+			if ((distances >> distance & 1) != 0)
+			{
+				passing.levels0[distance] = levelsBelow(second(open1, distance), level1, first.shifted[distance], below);
+				if (passing.levels0[distance] != 0)
+				{
+					passing.levels1[distance] = levelsBelow(open0.shifted[distance], level0, second(seconds, distance), below);
+				}
+			}
+		}
+		return passing;
+	}
+
 	/// The levels of the second colour that may cost less than the bound beside one level of the first: bit by bit, for each of the
-	/// distances asked for, and for any of them.
-	unsigned int findPassing(const PaintTables& first, const PaintTables& second, unsigned int level, unsigned int distances,
-	                         unsigned int allowed, unsigned int (&passing)[8]) const
+	/// distances where the level passes, and for any of them.
+	unsigned int findPassing(const PaintTables& first, const PaintTables& seconds, unsigned int level, unsigned int allowed,
+	                         const Passing& passing, unsigned int (&found)[8]) const
 	{
 		unsigned int any = 0;
 		const Levels below = limit();
 		for (unsigned int distance = 0; distance < 8; ++distance)
 		{
-			passing[distance] = 0;
-			if ((distances >> distance & 1) != 0)
+			found[distance] = passing.levels1[distance] & allowed;
+			if ((passing.levels0[distance] >> level & 1) != 0 && found[distance] != 0)
 			{
-				const LevelErrors& seconds = Mode == TwoColourMode::T ? second.plain : second.shifted[distance];
-				passing[distance] = allowed & levelsBelow(first.shifted[distance], level, seconds, below);
-				any |= passing[distance];
+				found[distance] &= levelsBelow(first.shifted[distance], level, second(seconds, distance), below);
+				any |= found[distance];
+			}
+			else
+			{
+				found[distance] = 0;
 			}
 		}
 		return any;
 	}
 
-	/// One bit for each level of the second colour.
-	static unsigned int levelsBelow(const LevelErrors& first, unsigned int level, const LevelErrors& second, Levels limit)
+	/// The levels of one colour, bit by bit, that may cost less than the limit beside one level of the other.
+	static unsigned int levelsBelow(const LevelErrors& other, unsigned int level, const LevelErrors& levels, Levels limit)
 	{
 		Levels sum = Levels::filled(0);
 		for (unsigned int texel = 0; texel < 16; ++texel)
 		{
-			sum = addSaturatedOf(sum, leastOf(Levels::filled(first.at[texel][level]), Levels::load(second.at[texel])));
+			sum = addSaturatedOf(sum, leastOf(Levels::filled(other.at[texel][level]), Levels::load(levels.at[texel])));
 			if (texel % 4 == 3)
 			{
 				const unsigned int below = lanesBelow(sum, limit);
@@ -283,16 +373,19 @@ private:
 	{
 		needGreens(red0, distances);
 		needGreens(red1, distances);
+		const PaintTables& first = m_space.paintRG[red0];
+		const PaintTables& seconds = m_space.paintRG[red1];
+		const Passing passing = narrow(m_space.paintR, red0, m_space.paintR, red1, first, seconds, distances);
 		for (unsigned int green0 = 0; green0 < 16; ++green0)
 		{
-			unsigned int passing[8];
+			unsigned int found[8];
 			const unsigned int allowed = kIsOrdered && red0 == red1 ? kAllLevels << green0 & kAllLevels : kAllLevels;
-			const unsigned int any = findPassing(m_space.paintRG[red0], m_space.paintRG[red1], green0, distances, allowed, passing);
+			const unsigned int any = findPassing(first, seconds, green0, allowed, passing, found);
 			for (unsigned int green1 = 0; green1 < 16; ++green1)
 			{
 				if ((any >> green1 & 1) != 0)
 				{
-					walkBlue(red0 * 16 + green0, red1 * 16 + green1, distancesOf(passing, green1));
+					walkBlue(red0 * 16 + green0, red1 * 16 + green1, distancesOf(found, green1));
 				}
 			}
 		}
@@ -302,12 +395,15 @@ private:
 	{
 		needBlues(redGreen0, distances);
 		needBlues(redGreen1, distances);
+		const PaintTables& first = m_space.paintRGB[redGreen0];
+		const PaintTables& seconds = m_space.paintRGB[redGreen1];
+		const Passing passing = narrow(m_space.paintRG[redGreen0 / 16], redGreen0 % 16, m_space.paintRG[redGreen1 / 16], redGreen1 % 16,
+		                               first, seconds, distances);
 		for (unsigned int blue0 = 0; blue0 < 16; ++blue0)
 		{
-			unsigned int passing[8];
+			unsigned int found[8];
 			const unsigned int allowed = kIsOrdered && redGreen0 == redGreen1 ? kAllLevels << (blue0 + 1) & kAllLevels : kAllLevels;
-			const unsigned int any =
-			    findPassing(m_space.paintRGB[redGreen0], m_space.paintRGB[redGreen1], blue0, distances, allowed, passing);
+			const unsigned int any = findPassing(first, seconds, blue0, allowed, passing, found);
 			for (unsigned int blue1 = 0; blue1 < 16; ++blue1)
 			{
 				if ((any >> blue1 & 1) != 0)
