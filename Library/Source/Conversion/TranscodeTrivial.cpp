@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "BulkConversion.h"
 #include "Processing/ElementDispatch.h"
@@ -50,7 +51,8 @@ std::unique_ptr<CBulkConversion> makeBulkConversion(SConversionTask&& task)
 	{
 		return nullptr;
 	}
-	return makeTableConversion(task);
+	std::unique_ptr<CBulkConversion> conversion = makeTableConversion(task);
+	return conversion != nullptr ? std::move(conversion) : makeArithmeticConversion(task);
 }
 } // namespace
 
