@@ -7,8 +7,10 @@
 
 #include "BulkConversion.h"
 #include "ChannelNumbers.h"
+#include "ColourSpace.h"
 #include "GreyRule.h"
 #include "NormalisedInteger.h"
+#include "Unrolled.h"
 
 namespace zortexture
 {
@@ -21,7 +23,7 @@ constexpr unsigned int kOpaqueIsOneBits = 22;
 
 /// Changes of colour space are looked up for channels up to this width, when there are so many pixels for each value.
 constexpr unsigned int kSpaceTableBits = 16;
-constexpr unsigned int kPixelsPerValue = 2;
+constexpr unsigned int kPixelsPerValue = 1;
 
 bool isFloat(EZORTVariableType type)
 {
@@ -76,6 +78,22 @@ void write(const SChannelRule& rule, const float* values, unsigned char* numbers
 	withSimdLevel([&](auto level) { writeChannels<level>(rule, values, numbers, count); });
 }
 
+/// Where the fields of a layout are.
+struct SShifts
+{
+	explicit SShifts(const SPixelLayout& layout)
+	{
+		for (unsigned int i = 0; i < 4; ++i)
+		{
+			counts[i] = layout.shifts[i];
+			masks[i] = layout.maskOf(i);
+		}
+	}
+
+	unsigned int counts[4];
+	std::uint32_t masks[4];
+};
+
 /// Bit fields of pixels of a constant number of bytes, to 32-bit numbers and back.
 template<unsigned int bytes>
 struct SFields
@@ -89,13 +107,11 @@ struct SFields
 
 	static void read(const SPixelLayout& layout, const unsigned char* pixels, std::uint32_t* numbers, std::size_t numPixels)
 	{
+		const SShifts shifts(layout);
 		for (std::size_t pixel = 0; pixel < numPixels; ++pixel, pixels += bytes, numbers += 4)
 		{
 			const std::uint64_t word = load(pixels);
-			for (unsigned int i = 0; i < 4; ++i)
-			{
-				numbers[i] = static_cast<std::uint32_t>(word >> layout.shifts[i]) & layout.maskOf(i);
-			}
+			unrolled<4>([&](auto i) { numbers[i] = static_cast<std::uint32_t>(word >> shifts.counts[i]) & shifts.masks[i]; });
 		}
 	}
 
@@ -118,20 +134,20 @@ struct SFields
 	static void write(const SPixelLayout& layout, const unsigned int (&order)[4], const std::uint32_t* numbers, unsigned char* pixels,
 	                  std::size_t numPixels)
 	{
-		unsigned int shifts[4] = {};
-		std::uint64_t kept[4] = {};
-		for (unsigned int i = 0; i < layout.numChannels; ++i)
+		const SShifts shifts(layout);
+		unsigned int counts[4] = {};
+		std::uint32_t used[4] = {}; // no bits of the positions that the layout does not have
+		std::uint64_t kept[4];
+		for (unsigned int i = 0; i < 4; ++i)
 		{
-			shifts[i] = layout.shifts[order[i]];
-			kept[i] = ~(static_cast<std::uint64_t>(layout.maskOf(order[i])) << shifts[i]);
+			counts[i] = shifts.counts[order[i]];
+			kept[i] = ~(i < layout.numChannels ? static_cast<std::uint64_t>(shifts.masks[order[i]]) << counts[i] : 0);
+			used[i] = i < layout.numChannels ? 0xFFFFFFFFu : 0;
 		}
 		for (std::size_t pixel = 0; pixel < numPixels; ++pixel, pixels += bytes, numbers += 4)
 		{
 			std::uint64_t word = 0;
-			for (unsigned int i = 0; i < layout.numChannels; ++i)
-			{
-				word = (word & kept[i]) | static_cast<std::uint64_t>(numbers[order[i]]) << shifts[i];
-			}
+			unrolled<4>([&](auto i) { word = (word & kept[i]) | static_cast<std::uint64_t>(numbers[order[i]] & used[i]) << counts[i]; });
 			std::memcpy(pixels, &word, bytes);
 		}
 	}
@@ -164,10 +180,7 @@ void arrange(const float* in, unsigned int inStride, float* out, const unsigned 
 {
 	for (std::size_t pixel = 0; pixel < numPixels; ++pixel, in += inStride, out += stride)
 	{
-		for (unsigned int i = 0; i < stride; ++i)
-		{
-			out[i] = in[from[i]];
-		}
+		unrolled<stride>([&](auto i) { out[i] = in[from[i]]; });
 	}
 }
 
@@ -198,6 +211,12 @@ public:
 		{
 			std::fill(std::begin(m_destinationRule.bits), std::end(m_destinationRule.bits), 0); // these are not written
 		}
+		m_isPacked = (destination.bytes == 2 || destination.bytes == 4) && hasSeparateChannels(m_task.source, destination);
+		for (unsigned int i = 0; i < destination.numChannels; ++i)
+		{
+			m_places.masks[i] = destination.maskOf(i);
+			m_places.shifts[i] = destination.shifts[i];
+		}
 		planColourSpace();
 	}
 
@@ -221,8 +240,13 @@ private:
 	{
 		const SPixelLayout& destination = m_task.destination;
 		// Small floats keep what they hold.
-		if (m_task.targetSpace == m_task.sourceSpace || m_destinationRule.kind == eSmallFloatChannels)
+		if (!changesColourSpace(m_task.targetSpace, m_task.sourceSpace) || m_destinationRule.kind == eSmallFloatChannels)
 		{
+			return;
+		}
+		if (m_destinationRule.kind == eFloatChannels)
+		{
+			m_convertsFloats = true;
 			return;
 		}
 		const unsigned int widest = *std::max_element(destination.bits, destination.bits + destination.numChannels);
@@ -306,11 +330,15 @@ private:
 			read(m_sourceRule, numberBytes, in, numPixels * 4);
 		}
 
-		const float* out = in;
+		float* out = in;
 		if (!m_isInOrder)
 		{
 			arrangeBlock(in, arranged, numPixels);
 			out = arranged;
+		}
+		if (m_convertsFloats)
+		{
+			convertFloats(out, numPixels);
 		}
 
 		if (m_task.destination.isElements)
@@ -332,7 +360,7 @@ private:
 			{
 				lookUpColours<std::uint32_t>(numberBytes, numPixels);
 			}
-			m_writeFields(m_task.destination, m_order, numbers, destination, numPixels);
+			packBlock(numbers, destination, numPixels);
 		}
 
 		if (m_convertsPixels)
@@ -342,6 +370,34 @@ private:
 				encoder.OverwriteColourData(destination);
 				encoder.ConvertToColourSpace(m_task.targetSpace, m_task.sourceSpace);
 				std::memcpy(destination, encoder.GetColourData(), m_task.destination.bytes);
+			}
+		}
+	}
+
+	void packBlock(const std::uint32_t* numbers, unsigned char* destination, std::size_t numPixels) const
+	{
+		const SPixelLayout& layout = m_task.destination;
+		std::size_t done = 0;
+		if (m_isPacked)
+		{
+			done = withSimdLevel([&](auto level) { return packFields<level>(m_places, layout.bytes, numbers, destination, numPixels); });
+		}
+		m_writeFields(layout, m_order, numbers + done * 4, destination + done * layout.bytes, numPixels - done);
+	}
+
+	/// Floats are in their final precision already.
+	void convertFloats(float* values, std::size_t numPixels) const
+	{
+		for (unsigned int position = 0; position < m_task.destination.numChannels; ++position)
+		{
+			if (!isColour(m_task.destination, position))
+			{
+				continue;
+			}
+			for (std::size_t pixel = 0; pixel < numPixels; ++pixel)
+			{
+				float& value = values[pixel * m_outStride + position];
+				value = m_task.targetSpace == eCS_lRGB ? sRGBToLinear(value) : linearToSRGB(value);
 			}
 		}
 	}
@@ -410,7 +466,10 @@ private:
 	EChannelOrigin m_origins[4] = {};
 	unsigned int m_from[4] = {}; ///< by position of the destination, that of the source
 	unsigned int m_order[4] = {};
+	SFieldPlaces m_places = {};
+	bool m_isPacked = false; ///< by packFields
 	bool m_isInOrder = false;
+	bool m_convertsFloats = false;
 	bool m_convertsPixels = false;
 	bool m_hasSpaceTables = false;
 	int m_spaceTables[4] = {-1, -1, -1, -1};

@@ -123,4 +123,10 @@ void writeChannels<eSimdPlain>(const SChannelRule& rule, const float* values, un
 		    }
 	    });
 }
+
+template<>
+std::size_t packFields<eSimdPlain>(const SFieldPlaces&, unsigned int, const std::uint32_t*, unsigned char*, std::size_t)
+{
+	return 0;
+}
 } // namespace zortexture

@@ -39,8 +39,25 @@ void readChannels(const SChannelRule& rule, const unsigned char* numbers, float*
 template<ESimdLevel level>
 void writeChannels(const SChannelRule& rule, const float* values, unsigned char* numbers, std::size_t count);
 
+/// Where the fields of a pixel of two or four bytes stand; a mask of 0 for a position that there is not.
+struct SFieldPlaces
+{
+	std::uint32_t masks[4];
+	std::uint32_t shifts[4];
+};
+
+/// Puts four numbers a pixel into fields that do not run into each other. Packs as many pixels from the first on as registers hold, which
+/// at levels without an instruction for it is none, and returns their number.
+/// @param bytes  of a pixel: 2 or 4
+template<ESimdLevel level>
+std::size_t packFields(const SFieldPlaces& places, unsigned int bytes, const std::uint32_t* numbers, unsigned char* pixels,
+                       std::size_t numPixels);
+
 template<>
 void readChannels<eSimdPlain>(const SChannelRule& rule, const unsigned char* numbers, float* values, std::size_t count);
 template<>
 void writeChannels<eSimdPlain>(const SChannelRule& rule, const float* values, unsigned char* numbers, std::size_t count);
+template<>
+std::size_t packFields<eSimdPlain>(const SFieldPlaces& places, unsigned int bytes, const std::uint32_t* numbers, unsigned char* pixels,
+                                   std::size_t numPixels);
 } // namespace zortexture

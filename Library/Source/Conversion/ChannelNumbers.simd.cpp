@@ -1,6 +1,7 @@
 #include "ChannelNumbers.h"
 
 #include "Simd/Lanes.h"
+#include "Unrolled.h"
 
 namespace zortexture
 {
@@ -248,30 +249,30 @@ std::size_t writeAll(const SChannelRule& rule, const float* values, unsigned cha
 	std::size_t i = 0;
 	for (; count - i >= kStep; i += kStep)
 	{
-		F32 value[kRegisters];
-		bool suits = true;
-		for (unsigned int k = 0; k < kRegisters; ++k)
-		{
-			value[k] = F32::load(values + i + k * kCount);
-			suits = suits && writer.suits(value[k]);
-		}
+		const float* const in = values + i;
 		unsigned char* const out = numbers + i * sizeof(Number);
+		bool suits = true;
+		unrolled<kRegisters>([&](auto k) { suits = suits && writer.suits(F32::load(in + k * kCount)); });
 		if (!suits)
 		{
-			writeChannels<eSimdPlain>(rule, values + i, out, kStep);
+			writeChannels<eSimdPlain>(rule, in, out, kStep);
 			continue;
 		}
+		const auto written = [&](unsigned int k)
+		{
+			return writer(F32::load(in + k * kCount));
+		};
 		if constexpr (kRegisters == 4)
 		{
-			narrowed(writer(value[0]), writer(value[1]), writer(value[2]), writer(value[3])).store(out);
+			narrowed(written(0), written(1), written(2), written(3)).store(out);
 		}
 		else if constexpr (kRegisters == 2)
 		{
-			narrowed(writer(value[0]), writer(value[1])).store(out);
+			narrowed(written(0), written(1)).store(out);
 		}
 		else
 		{
-			writer(value[0]).store(out);
+			written(0).store(out);
 		}
 	}
 	return i;
@@ -341,7 +342,61 @@ std::size_t write(const SChannelRule& rule, const float* values, unsigned char* 
 		return 0;
 	}
 }
+#if defined(__AVX2__)
+/// The words of eight pixels.
+ZORT_INLINE U32 packedWords(const std::uint32_t* numbers, U32 masks, U32 shifts)
+{
+	const auto placed = [&](unsigned int pair)
+	{
+		const U32 fields = U32::load(numbers + pair * 8) & masks;
+		return as<std::uint64_t>(U32{fields.v << shifts.v});
+	};
+	// Two pixels in a register, one in each half: positions 0 and 1 of two of them beside 2 and 3, then 0 beside 1.
+	const auto ofFour = [&](unsigned int pair)
+	{
+		const U64 first = placed(pair);
+		const U64 second = placed(pair + 1);
+		const U64 both = interleaveLow(first, second) | interleaveHigh(first, second);
+		return as<std::uint32_t>(both | (both >> 32));
+	};
+	return shuffle<0, 4, 2, 6, 8, 12, 10, 14>(ofFour(0), ofFour(2));
+}
+#endif
 } // namespace
+
+template<ESimdLevel level>
+std::size_t packFields(const SFieldPlaces& places, unsigned int bytes, const std::uint32_t* numbers, unsigned char* pixels,
+                       std::size_t numPixels)
+{
+	std::size_t done = 0;
+#if defined(__AVX2__)
+	const U32 masks = repeated<U32>(places.masks);
+	const U32 shifts = repeated<U32>(places.shifts);
+	if (bytes == 4)
+	{
+		for (; numPixels - done >= 8; done += 8)
+		{
+			packedWords(numbers + done * 4, masks, shifts).store(pixels + done * 4);
+		}
+	}
+	else
+	{
+		for (; numPixels - done >= 16; done += 16)
+		{
+			const U32 low = packedWords(numbers + done * 4, masks, shifts);
+			narrowed(low, packedWords(numbers + done * 4 + 32, masks, shifts)).store(pixels + done * 2);
+		}
+	}
+#else
+	(void)places;
+	(void)bytes;
+	(void)numbers;
+	(void)pixels;
+	(void)numPixels;
+#endif
+	return done;
+}
+template std::size_t packFields<kLanesLevel>(const SFieldPlaces&, unsigned int, const std::uint32_t*, unsigned char*, std::size_t);
 
 template<ESimdLevel level>
 void readChannels(const SChannelRule& rule, const unsigned char* numbers, float* values, std::size_t count)

@@ -1,14 +1,9 @@
-// Moving a pixel between linear light and sRGB. The constants are near those of the published curve but the library's
-// own; files made with them depend on every digit.
+#include "ColourSpace.h"
 
 #include <cmath>
 #include <initializer_list>
 
-#include "PixelEncoder.h"
-
 namespace zortexture
-{
-namespace
 {
 float sRGBToLinear(float x)
 {
@@ -19,17 +14,9 @@ float linearToSRGB(float x)
 {
 	return x <= 0.00304f ? 12.92f * x : 1.0556f * std::pow(x, 0.41666666f) - 0.0556f;
 }
-} // namespace
-
 void CPixelEncoder::ConvertToColourSpace(EZORTColourSpace target, EZORTColourSpace source)
 {
-	if (target == source)
-	{
-		return;
-	}
-	const bool toLinear = source == eCS_sRGB && target == eCS_lRGB;
-	const bool toSRGB = source == eCS_lRGB && target == eCS_sRGB;
-	if ((!toLinear && !toSRGB) || m_variableType >= eVT_NumVarTypes)
+	if (!changesColourSpace(target, source) || m_variableType >= eVT_NumVarTypes)
 	{
 		return;
 	}
@@ -41,7 +28,7 @@ void CPixelEncoder::ConvertToColourSpace(EZORTColourSpace target, EZORTColourSpa
 			continue;
 		}
 		const float value = GetChannelFloat(channel);
-		const float converted = toLinear ? sRGBToLinear(value) : linearToSRGB(value);
+		const float converted = target == eCS_lRGB ? sRGBToLinear(value) : linearToSRGB(value);
 		// Unsigned floats too take halves and whole floats alone: the packed widths keep what they hold.
 		if (m_variableType == eVT_UnsignedFloat)
 		{

@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "BulkConversion.h"
+#include "ChannelNumbers.h"
+#include "ColourSpace.h"
 #include "GreyRule.h"
 #include "NormalisedInteger.h"
 #include "PixelShuffle.h"
+#include "Unrolled.h"
 
 namespace zortexture
 {
@@ -19,16 +22,15 @@ namespace
 /// Channels up to this width have small tables. Wider ones, of 16 bits at most, are worth it only where they save powers.
 constexpr unsigned int kSmallTableBits = 12;
 constexpr unsigned int kLargeTableBits = 16;
-/// How many pixels there must be for each entry of the longest table: an entry costs as much as a pixel by the encoders, and large
-/// tables save the more.
-constexpr unsigned int kPixelsPerSmallEntry = 8;
-constexpr unsigned int kPixelsPerLargeEntry = 2;
+/// How many pixels there must be for each entry of the longest table, which costs as much as a pixel by the encoders.
+constexpr unsigned int kPixelsPerEntry = 8;
 
 /// Neighbouring fields are looked up as one up to this width: a table of 16 KiB, which stays in the cache.
 constexpr unsigned int kMergedBits = 11;
 
 constexpr unsigned int kMaxWordBytes = 8;
 constexpr std::size_t kByteValues = 256;
+constexpr std::size_t kGreyPixels = 256; ///< summed at once
 
 struct SField
 {
@@ -36,13 +38,14 @@ struct SField
 	std::uint64_t mask = 0;
 };
 
-/// Grey of three colours: the sum of three floats, rounded as an unsigned channel is.
+/// Grey of three colours: a sum of three floats, written as an unsigned channel is.
 struct SGreySum
 {
 	SField fields[3];
 	std::vector<float> terms[3];
-	float count = 1.0f; ///< of the colours, for their mean
-	float ceiling = 0.0f;
+	float count = 1.0f;     ///< of the colours, for their mean
+	bool isOfBytes = false; ///< every colour is a byte of the source's pixel
+	SChannelRule rule;      ///< of the sum, once it is rounded
 	unsigned int shift = 0;
 	std::vector<std::uint64_t> converted; ///< by the rounded value, the bits in their place; empty when that is the value itself
 };
@@ -104,10 +107,7 @@ void lookUpWords(const STables& tables, const unsigned char* source, unsigned ch
 	{
 		const Load word = load<Load>(source);
 		std::uint64_t result = 0;
-		for (unsigned int i = 0; i < numFields; ++i)
-		{
-			result |= words[i][word >> shifts[i] & masks[i]];
-		}
+		unrolled<numFields>([&](auto i) { result |= words[i][word >> shifts[i] & masks[i]]; });
 		store<Store>(destination, result);
 	}
 }
@@ -122,82 +122,112 @@ void lookUpBytes(const STables& tables, const unsigned char* source, unsigned ch
 	source += tables.fields[0].shift / 8;
 	for (std::size_t pixel = 0; pixel < numPixels; ++pixel, source += sourceBytes, destination += destinationBytes)
 	{
-		std::uint64_t result = words[source[0]];
-		for (unsigned int i = 1; i < numFields; ++i)
+		std::uint64_t result = 0;
+		unrolled<numFields>([&](auto i) { result |= words[kByteValues * i + source[i]]; });
+		store<Store>(destination, result);
+	}
+}
+
+/// The sums that grey is of.
+template<typename Load>
+void sumGrey(const STables& tables, const unsigned char* source, float* sums, std::size_t numPixels)
+{
+	const SGreySum& grey = tables.grey;
+	const std::size_t sourceBytes = tables.sourceBytes;
+	if (grey.isOfBytes)
+	{
+		const float* const red = grey.terms[0].data();
+		const float* const green = grey.terms[1].data();
+		const float* const blue = grey.terms[2].data();
+		const unsigned char* const redBytes = source + grey.fields[0].shift / 8;
+		const unsigned char* const greenBytes = source + grey.fields[1].shift / 8;
+		const unsigned char* const blueBytes = source + grey.fields[2].shift / 8;
+		std::size_t byte = 0;
+		for (std::size_t pixel = 0; pixel < numPixels; ++pixel, byte += sourceBytes)
 		{
-			result |= words[kByteValues * i + source[i]];
+			sums[pixel] = red[redBytes[byte]] + green[greenBytes[byte]] + blue[blueBytes[byte]];
+		}
+	}
+	else
+	{
+		for (std::size_t pixel = 0; pixel < numPixels; ++pixel, source += sourceBytes)
+		{
+			const Load word = load<Load>(source);
+			const auto term = [&](unsigned int i)
+			{
+				return grey.terms[i][word >> grey.fields[i].shift & grey.fields[i].mask];
+			};
+			sums[pixel] = term(0) + term(1) + term(2);
+		}
+	}
+	for (std::size_t pixel = 0; pixel < numPixels && tables.isMean; ++pixel)
+	{
+		sums[pixel] /= grey.count;
+	}
+}
+
+/// Puts grey beside the other channels.
+template<typename Load, typename Store, bool isConverted, bool isAlone>
+void placeGrey(const STables& tables, const std::uint32_t* greys, const unsigned char* source, unsigned char* destination,
+               std::size_t numPixels)
+{
+	const std::uint64_t* const converted = tables.grey.converted.data();
+	const unsigned int greyShift = tables.grey.shift;
+	const unsigned int shift = tables.fields[0].shift;
+	const auto mask = static_cast<Load>(tables.fields[0].mask);
+	const std::uint64_t* const words = tables.words[0].data();
+	const std::size_t sourceBytes = tables.sourceBytes;
+	const std::size_t destinationBytes = tables.destinationBytes;
+	for (std::size_t pixel = 0; pixel < numPixels; ++pixel, source += sourceBytes, destination += destinationBytes)
+	{
+		std::uint64_t result = isConverted ? converted[greys[pixel]] : static_cast<std::uint64_t>(greys[pixel]) << greyShift;
+		const Load word = load<Load>(source);
+		result |= words[word >> shift & mask];
+		for (unsigned int i = 1; !isAlone && i < tables.numFields; ++i)
+		{
+			result |= tables.words[i][word >> tables.fields[i].shift & tables.fields[i].mask];
 		}
 		store<Store>(destination, result);
 	}
 }
 
-/// `hasOthers`: the destination has channels beside grey that are not constant.
-template<typename Load, typename Store, bool isMean, bool hasOthers>
+template<typename Load, typename Store>
 void lookUpGrey(const STables& tables, const unsigned char* source, unsigned char* destination, std::size_t numPixels)
 {
-	const SGreySum& grey = tables.grey;
-	const float* terms[3];
-	SField fields[3];
-	for (unsigned int i = 0; i < 3; ++i)
+	const bool isConverted = !tables.grey.converted.empty();
+	const bool isAlone = tables.numFields == 1;
+	const auto place = isConverted ? (isAlone ? placeGrey<Load, Store, true, true> : placeGrey<Load, Store, true, false>)
+	                               : (isAlone ? placeGrey<Load, Store, false, true> : placeGrey<Load, Store, false, false>);
+	while (numPixels != 0)
 	{
-		terms[i] = grey.terms[i].data();
-		fields[i] = grey.fields[i];
-	}
-	const float count = grey.count;
-	const float ceiling = grey.ceiling;
-	const std::uint64_t* const converted = grey.converted.data();
-	const bool isConverted = !grey.converted.empty();
-	const std::uint64_t constant = tables.words[0][0];
-	const std::size_t sourceBytes = tables.sourceBytes;
-	const std::size_t destinationBytes = tables.destinationBytes;
-	for (std::size_t pixel = 0; pixel < numPixels; ++pixel, source += sourceBytes, destination += destinationBytes)
-	{
-		const Load word = load<Load>(source);
-		const auto value = [word](const SField& field)
-		{
-			return static_cast<std::size_t>(word >> field.shift & field.mask);
-		};
-		float sum = terms[0][value(fields[0])] + terms[1][value(fields[1])] + terms[2][value(fields[2])];
-		if constexpr (isMean)
-		{
-			sum /= count;
-		}
-		sum = sum > 0.0f ? sum : 0.0f; // NaN gives 0 too
-		sum = sum > 1.0f ? 1.0f : sum;
-		const auto rounded = static_cast<std::uint32_t>(static_cast<std::int32_t>(ceiling * sum + 0.5f));
-		std::uint64_t result = isConverted ? converted[rounded] : static_cast<std::uint64_t>(rounded) << grey.shift;
-		if constexpr (hasOthers)
-		{
-			for (unsigned int i = 0; i < tables.numFields; ++i)
-			{
-				result |= tables.words[i][value(tables.fields[i])];
-			}
-		}
-		else
-		{
-			result |= constant;
-		}
-		store<Store>(destination, result);
+		float sums[kGreyPixels];
+		std::uint32_t greys[kGreyPixels];
+		const std::size_t count = std::min(numPixels, kGreyPixels);
+		sumGrey<Load>(tables, source, sums, count);
+		withSimdLevel([&](auto level) { writeChannels<level>(tables.grey.rule, sums, reinterpret_cast<unsigned char*>(greys), count); });
+		place(tables, greys, source, destination, count);
+		source += count * tables.sourceBytes;
+		destination += count * tables.destinationBytes;
+		numPixels -= count;
 	}
 }
 
 template<typename Load, unsigned int numElements>
 void lookUpElements(const STables& tables, const unsigned char* source, unsigned char* destination, std::size_t numPixels)
 {
-	SField fields[numElements];
+	unsigned int shifts[numElements];
+	Load masks[numElements];
 	const std::uint32_t* elements[numElements];
 	for (unsigned int i = 0; i < numElements; ++i)
 	{
-		fields[i] = tables.elementFields[i];
+		shifts[i] = tables.elementFields[i].shift;
+		masks[i] = static_cast<Load>(tables.elementFields[i].mask);
 		elements[i] = tables.elements[i].data();
 	}
 	for (std::size_t pixel = 0; pixel < numPixels; ++pixel, source += tables.sourceBytes, destination += numElements * 4)
 	{
 		const Load word = load<Load>(source);
-		for (unsigned int i = 0; i < numElements; ++i)
-		{
-			store<std::uint32_t>(destination + i * 4, elements[i][word >> fields[i].shift & fields[i].mask]);
-		}
+		unrolled<numElements>([&](auto i) { store<std::uint32_t>(destination + i * 4, elements[i][word >> shifts[i] & masks[i]]); });
 	}
 }
 
@@ -253,16 +283,6 @@ LookUp byteLookUp(unsigned int numFields)
 	}
 }
 
-template<typename Load, typename Store>
-LookUp greyLookUp(bool isMean, bool hasOthers)
-{
-	if (isMean)
-	{
-		return hasOthers ? lookUpGrey<Load, Store, true, true> : lookUpGrey<Load, Store, true, false>;
-	}
-	return hasOthers ? lookUpGrey<Load, Store, false, true> : lookUpGrey<Load, Store, false, false>;
-}
-
 template<typename Load>
 LookUp elementLookUp(unsigned int numElements)
 {
@@ -301,7 +321,7 @@ public:
 				                                    m_storeBytes = sizeof(Store);
 				                                    if (m_tables.hasGrey)
 				                                    {
-					                                    return greyLookUp<Load, Store>(m_tables.isMean, m_tables.fields[0].mask != 0);
+					                                    return lookUpGrey<Load, Store>;
 				                                    }
 				                                    return m_tables.byteWords.empty() ? wordLookUp<Load, Store>(m_tables.numFields)
 				                                                                      : byteLookUp<Store>(m_tables.numFields);
@@ -406,17 +426,17 @@ public:
 				m_widest = std::max(m_widest, source.bits[m_origins[position].position]);
 			}
 		}
-		const bool changesSpace = m_task.targetSpace != m_task.sourceSpace;
+		const bool changesSpace = changesColourSpace(m_task.targetSpace, m_task.sourceSpace);
 		if (m_greyPosition >= 0 && !isGreySum(changesSpace))
 		{
 			return false;
 		}
 		if (m_widest <= kSmallTableBits)
 		{
-			return m_task.numPixels >= static_cast<unsigned long long>(kPixelsPerSmallEntry) << m_widest;
+			return m_task.numPixels >= static_cast<unsigned long long>(kPixelsPerEntry) << m_widest;
 		}
 		return m_widest <= kLargeTableBits && changesSpace && m_isElements &&
-		       m_task.numPixels >= static_cast<unsigned long long>(kPixelsPerLargeEntry) << m_widest;
+		       m_task.numPixels >= static_cast<unsigned long long>(kPixelsPerEntry) << m_widest;
 	}
 
 	STables build()
@@ -447,7 +467,7 @@ private:
 		const unsigned int bits = destination.bits[m_greyPosition];
 		const bool isUnsignedInteger = !isSigned(destination.type) && destination.type != eVT_UnsignedFloat;
 		return isUnsignedInteger && bits <= kLargeTableBits &&
-		       (!changesSpace || m_task.numPixels >= static_cast<unsigned long long>(kPixelsPerLargeEntry) << bits);
+		       (!changesSpace || m_task.numPixels >= static_cast<unsigned long long>(kPixelsPerEntry) << bits);
 	}
 
 	SField fieldOf(unsigned int position) const
@@ -560,13 +580,16 @@ private:
 		const SPixelLayout& destination = m_task.destination;
 		const unsigned int bits = destination.bits[m_greyPosition];
 		grey.shift = destination.shifts[m_greyPosition];
-		grey.ceiling = static_cast<float>(unsignedCeiling(bits));
+		std::fill(std::begin(grey.rule.bits), std::end(grey.rule.bits), bits);
+		std::fill(std::begin(grey.rule.ceilings), std::end(grey.rule.ceilings), static_cast<float>(unsignedCeiling(bits)));
+		grey.isOfBytes = std::all_of(std::begin(grey.fields), std::end(grey.fields),
+		                             [](const SField& field) { return field.mask == kByteValues - 1 && field.shift % 8 == 0; });
 		if (m_origins[m_greyPosition].kind == eFromMean)
 		{
 			tables.isMean = true;
 			grey.count = static_cast<float>(std::max(m_colours.count(), 1u));
 		}
-		if (m_task.targetSpace == m_task.sourceSpace)
+		if (!changesColourSpace(m_task.targetSpace, m_task.sourceSpace))
 		{
 			return;
 		}
