@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
+#include "DitherSlice.h"
 #include "Transcode.h"
 
 namespace zortexture
@@ -10,6 +13,11 @@ namespace
 {
 /// Bits of red, green, blue and alpha.
 using Depths = std::array<unsigned char, 4>;
+
+bool isReduced(unsigned char depth)
+{
+	return depth > 0 && depth < 8;
+}
 
 /// By format number; formats above the last one are not dithered.
 constexpr Depths kCompressedDepths[] = {
@@ -83,10 +91,8 @@ void addError(unsigned char& value, int error)
 	value = static_cast<unsigned char>(std::clamp(value + error, 0, 255));
 }
 
-/// Reduces one channel, whose values lie four bytes apart, to its top `depth` bits, repeated downward. Half of the error
-/// goes to the right, a quarter below and a quarter below right, within a slice. Columns are walked outermost, which
-/// decides which neighbours have received error already.
-void ditherChannel(unsigned char* channel, unsigned int depth, std::size_t width, std::size_t height, std::size_t slices)
+/// One channel, whose values lie four bytes apart.
+void ditherChannel(unsigned char* channel, unsigned int depth, std::size_t width, std::size_t height)
 {
 	constexpr std::size_t kStep = 4;
 	const int mask = 0xFF << (8 - depth) & 0xFF;
@@ -97,44 +103,52 @@ void ditherChannel(unsigned char* channel, unsigned int depth, std::size_t width
 		for (std::size_t y = 0; y < height; ++y)
 		{
 			const bool hasBelow = y + 1 < height;
-			for (std::size_t z = 0; z < slices; ++z)
+			unsigned char* const pixel = channel + (y * width + x) * kStep;
+			const int value = *pixel;
+			const int reduced = std::min((value & mask) + (value >> depth), 255);
+			*pixel = static_cast<unsigned char>(reduced);
+			const int error = value - reduced;
+			if (hasRight)
 			{
-				unsigned char* const pixel = channel + ((z * height + y) * width + x) * kStep;
-				const int value = *pixel;
-				const int reduced = std::min((value & mask) + (value >> depth), 255);
-				*pixel = static_cast<unsigned char>(reduced);
-				const int error = value - reduced;
-				if (hasRight)
-				{
-					addError(pixel[kStep], error / 2);
-				}
-				if (hasRight && hasBelow)
-				{
-					addError(pixel[row + kStep], error / 4);
-				}
-				if (hasBelow)
-				{
-					addError(pixel[row], error / 4);
-				}
+				addError(pixel[kStep], error / 2);
+			}
+			if (hasRight && hasBelow)
+			{
+				addError(pixel[row + kStep], error / 4);
+			}
+			if (hasBelow)
+			{
+				addError(pixel[row], error / 4);
 			}
 		}
 	}
 }
 } // namespace
 
+template<>
+void ditherSlice<eSimdPlain>(unsigned char* pixels, const unsigned char* depths, std::size_t width, std::size_t height, std::int16_t*)
+{
+	for (unsigned int channel = 0; channel < 4; ++channel)
+	{
+		if (isReduced(depths[channel]))
+		{
+			ditherChannel(pixels + channel, depths[channel], width, height);
+		}
+	}
+}
+
 void Dither(unsigned char* data, PixelType target, unsigned int width, unsigned int height, unsigned int depth)
 {
-	if (data == nullptr)
+	const Depths depths = depthsOf(target);
+	if (data == nullptr || std::none_of(depths.begin(), depths.end(), isReduced))
 	{
 		return;
 	}
-	const Depths depths = depthsOf(target);
-	for (unsigned int channel = 0; channel < depths.size(); ++channel)
+	const std::size_t sliceBytes = static_cast<std::size_t>(width) * height * 4;
+	std::vector<std::int16_t> carried(static_cast<std::size_t>(width) * 4);
+	for (std::size_t slice = 0; slice < depth; ++slice)
 	{
-		if (depths[channel] > 0 && depths[channel] < 8)
-		{
-			ditherChannel(data + channel, depths[channel], width, height, depth);
-		}
+		withSimdLevel([&](auto level) { ditherSlice<level>(data + slice * sliceBytes, depths.data(), width, height, carried.data()); });
 	}
 }
 } // namespace zortexture

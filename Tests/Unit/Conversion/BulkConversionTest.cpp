@@ -150,3 +150,32 @@ TEST(BulkConversion, GivesTheBytesOfTheEncoders)
 		compare(from, forms[random() % forms.size()], numPixels, target, space, random);
 	}
 }
+
+TEST(Dither, WavesOfRowsGiveTheBytesOfTheWalkByColumns)
+{
+	std::mt19937 random(3);
+	const char* const targets[] = {"rgb5.6.5", "rgba4.4.4.4", "rgba1.2.3.7", "bgra5.5.5.1", "l3", "xr1.1"};
+	for (int round = 0; round < 300; ++round)
+	{
+		const unsigned int width = 1 + random() % (round % 10 == 0 ? 40 : 9);
+		const unsigned int height = 1 + random() % (round % 7 == 0 ? 40 : 9);
+		const unsigned int depth = 1 + random() % 3;
+		const PixelType target = layout(targets[random() % std::size(targets)]);
+		Bytes pixels(std::size_t{4} * width * height * depth);
+		for (unsigned char& value : pixels)
+		{
+			value = static_cast<unsigned char>(random() % 4 == 0 ? 255 * (random() % 2) : random());
+		}
+		const auto run = [&]
+		{
+			Bytes dithered(pixels);
+			Dither(dithered.data(), target, width, height, depth);
+			return dithered;
+		};
+		const Bytes plain = atSimdLevel(eSimdPlain, run);
+		for (const ESimdLevel level : kVectorLevels)
+		{
+			ASSERT_EQ(atSimdLevel(level, run), plain) << width << " x " << height << " x " << depth << ", level " << level;
+		}
+	}
+}
