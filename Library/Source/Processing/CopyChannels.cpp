@@ -1,5 +1,9 @@
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <type_traits>
 
+#include "ByteChannels.h"
 #include "ChannelAccess.h"
 #include "Channels.h"
 #include "ElementDispatch.h"
@@ -9,19 +13,17 @@ namespace zortexture
 {
 namespace
 {
-/// A channel value for every EChannelName.
-struct ChannelSlots
-{
-	float values[eCh_Unused + 1] = {};
-};
-
 /// Scales an element from the range of S to that of D. The product comes first, so that it overflows for large values of a
 /// float destination; both ranges of float are its largest number.
 template<typename S, typename D>
 float convertElement(S element)
 {
 	const float scaled = static_cast<float>(element) * kElementCeiling<D>;
-	if constexpr (std::is_same_v<S, unsigned int>)
+	if constexpr (sizeof(S) == 1 && sizeof(D) == 1)
+	{
+		return static_cast<float>(element); // of 255 * element the quotient is exact
+	}
+	else if constexpr (std::is_same_v<S, unsigned int>)
 	{
 		return scaled * kUnsignedIntReciprocal;
 	}
@@ -62,6 +64,100 @@ unsigned int slotOf(EChannelName channel)
 	return channel <= eCh_Unused ? channel : eCh_None;
 }
 
+/// The pixels on their way at a time.
+constexpr std::size_t kPixelsInRun = 128;
+
+/// Reads one channel of `count` pixels as elements of the destination.
+template<typename S, typename D>
+void readRun(const Pixel<S>* pixels, std::size_t count, EChannelName channel, D* elements)
+{
+	const auto readAll = [&](auto name)
+	{
+		for (std::size_t i = 0; i < count; ++i)
+		{
+			const float value = readChannel<D>(pixels[i], name());
+			if constexpr (std::is_same_v<S, float> || std::is_same_v<D, float>)
+			{
+				elements[i] = toElement<D>(value);
+			}
+			else
+			{
+				elements[i] = static_cast<D>(static_cast<std::int64_t>(value)); // within 0 to 2^33, and so without a test of the range
+			}
+		}
+	};
+	switch (channel)
+	{
+#define ZORT_READ(name)                                                                                                                    \
+	case name:                                                                                                                             \
+		readAll(std::integral_constant<EChannelName, name>{});                                                                             \
+		break
+		ZORT_READ(eCh_Red);
+		ZORT_READ(eCh_Green);
+		ZORT_READ(eCh_Blue);
+		ZORT_READ(eCh_Alpha);
+		ZORT_READ(eCh_Unused);
+		ZORT_READ(eCh_Luminance);
+		ZORT_READ(eCh_Intensity);
+#undef ZORT_READ
+	default:
+		std::fill_n(elements, count, D{});
+		break;
+	}
+}
+
+/// Writes one channel of `count` pixels.
+template<typename D>
+void writeRun(Pixel<D>* pixels, std::size_t count, EChannelName channel, const D* elements)
+{
+	const auto writeAll = [&](auto... members)
+	{
+		for (std::size_t i = 0; i < count; ++i)
+		{
+			((pixels[i].*members = elements[i]), ...);
+		}
+	};
+	switch (channel)
+	{
+	case eCh_Red:
+		return writeAll(&Pixel<D>::r);
+	case eCh_Green:
+		return writeAll(&Pixel<D>::g);
+	case eCh_Blue:
+		return writeAll(&Pixel<D>::b);
+	case eCh_Alpha:
+	case eCh_Unused:
+		return writeAll(&Pixel<D>::a);
+	case eCh_Luminance:
+	case eCh_Intensity:
+		return writeAll(&Pixel<D>::r, &Pixel<D>::g, &Pixel<D>::b);
+	default:
+		break;
+	}
+}
+
+/// The moves that a list of channels makes on pixels of bytes, where 255 * v / 255 is v. False for greys, which are computed.
+bool findByteMoves(unsigned int numChannels, const EChannelName* destinationChannels, const EChannelName* sourceChannels, ByteMoves& moves)
+{
+	Pixel<unsigned char> from = {moves.from[0], moves.from[1], moves.from[2], moves.from[3]};
+	for (unsigned int c = 0; c < numChannels; ++c)
+	{
+		const EChannelName source = sourceChannels[c];
+		if (source == eCh_Luminance || source == eCh_Intensity)
+		{
+			return false;
+		}
+		const bool isAlpha = source == eCh_Alpha || source == eCh_Unused;
+		const bool isColour = source == eCh_Red || source == eCh_Green || source == eCh_Blue;
+		writeChannel(from, destinationChannels[c],
+		             static_cast<unsigned char>(isAlpha    ? 3u
+		                                        : isColour ? source - eCh_Red
+		                                                   : unsigned{ByteMoves::eZero}));
+	}
+	moves = {{from.r, from.g, from.b, from.a}};
+	return true;
+}
+
 bool haveSameShape(const CZORTextureHeader& a, const CZORTextureHeader& b)
 {
 	return a.getWidth() == b.getWidth() && a.getHeight() == b.getHeight() && a.getDepth() == b.getDepth() &&
@@ -80,17 +176,33 @@ bool CopyChannels(Pixel<S>* source, Pixel<D>* destination, const unsigned int& w
 		return false;
 	}
 	const std::size_t numPixels = static_cast<std::size_t>(width) * height * depth;
-	for (std::size_t i = 0; i < numPixels; ++i)
+	if constexpr (sizeof(S) == 1 && sizeof(D) == 1)
 	{
-		// All reads come before all writes, so that channels of one texture can be permuted.
-		ChannelSlots slots;
+		ByteMoves moves;
+		if (simdLevel() != eSimdPlain && findByteMoves(numChannels, destinationChannels, sourceChannels, moves))
+		{
+			withSimdLevel([&](auto level) { moveBytes<level()>(&source->r, &destination->r, numPixels, moves); });
+			return true;
+		}
+	}
+	D slots[eCh_Unused + 1][kPixelsInRun];
+	for (std::size_t first = 0; first < numPixels; first += kPixelsInRun)
+	{
+		// All reads of a pixel come before all writes, so that channels of one texture can be permuted.
+		const std::size_t count = std::min(kPixelsInRun, numPixels - first);
+		unsigned int slotsRead = 0;
 		for (unsigned int c = 0; c < numChannels; ++c)
 		{
-			slots.values[slotOf(sourceChannels[c])] = readChannel<D>(source[i], sourceChannels[c]);
+			const unsigned int slot = slotOf(sourceChannels[c]);
+			if ((slotsRead >> slot & 1) == 0)
+			{
+				readRun(source + first, count, sourceChannels[c], slots[slot]);
+				slotsRead |= 1u << slot;
+			}
 		}
 		for (unsigned int c = 0; c < numChannels; ++c)
 		{
-			writeChannel(destination[i], destinationChannels[c], toElement<D>(slots.values[slotOf(sourceChannels[c])]));
+			writeRun(destination + first, count, destinationChannels[c], slots[slotOf(sourceChannels[c])]);
 		}
 	}
 	return true;

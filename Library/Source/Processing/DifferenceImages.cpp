@@ -1,8 +1,9 @@
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 #include "Comparison.h"
+#include "DifferencePixels.h"
+#include "ElementDispatch.h"
 #include "PixelPairs.h"
 #include "StandardTexture.h"
 
@@ -32,25 +33,32 @@ CZORTexture createDifferenceTexture(const CZORTexture& a, const CZORTexture& b, 
 	return createTexture(header);
 }
 
-/// The size of a difference, at most 1. One that is not a number counts as none.
-float magnitudeOf(float difference)
+/// Calls `draw(level, a, b, first, count)` for runs of normalised pixels of two images.
+template<typename Draw>
+void drawInRuns(const ImageElements& a, const ImageElements& b, std::size_t numPixels, Draw&& draw)
 {
-	return difference == difference ? std::min(std::fabs(difference), 1.0f) : 0.0f;
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    forEachRunOfPairs<level()>(eReadNormalised, a, b, 0, numPixels,
+		                               [&](const float* pixelsOfA, const float* pixelsOfB, std::size_t first, std::size_t count)
+		                               { draw(level, pixelsOfA, pixelsOfB, first, count); });
+	    });
 }
 
-/// Fills an 8-bit texture from the pixels of two textures in storage order: `function(a, b)` on four normalised elements
-/// each gives the pixel.
-template<typename Function>
-void fillInStorageOrder(const CZORTexture& a, const CZORTexture& b, CZORTexture& result, Function&& function)
+/// An 8-bit texture that is drawn from the pixels of two textures in storage order, by `draw(level, a, b, count, pixels)`.
+template<typename Draw>
+CZORTexture drawInStorageOrder(const CZORTexture& a, const CZORTexture& b, Draw&& draw)
 {
-	auto* pixels = pixelsOf<unsigned char>(result, 0, 0, 0);
-	if (pixels == nullptr)
+	CZORTexture result = createDifferenceTexture(a, b, ZORStandard8PixelType, eVT_UnsignedByteNorm);
+	auto* const pixels = static_cast<unsigned char*>(result.getDataPtr(0, 0, 0));
+	if (pixels != nullptr)
 	{
-		return;
+		drawInRuns({a.getDataPtr(0, 0, 0), a.getChannelType()}, {b.getDataPtr(0, 0, 0), b.getChannelType()}, result.getTextureSize(),
+		           [&](auto level, const float* pixelsOfA, const float* pixelsOfB, std::size_t first, std::size_t count)
+		           { draw(level, pixelsOfA, pixelsOfB, count, pixels + 4 * first); });
 	}
-	forEachPixelPair<NormalisedElement>(
-	    a.getDataPtr(0, 0, 0), a.getChannelType(), b.getDataPtr(0, 0, 0), b.getChannelType(), result.getTextureSize(),
-	    [&](const float* pixelOfA, const float* pixelOfB, std::size_t i) { pixels[i] = function(pixelOfA, pixelOfB); });
+	return result;
 }
 } // namespace
 
@@ -62,64 +70,32 @@ CZORTexture ColourDiff(const CZORTexture& a, const CZORTexture& b, float multipl
 		return result;
 	}
 	forEachImage(result,
-	             [&](unsigned int level, unsigned int arrayMember, unsigned int face)
+	             [&](unsigned int mipLevel, unsigned int arrayMember, unsigned int face)
 	             {
-		             auto* pixels = pixelsOf<float>(result, level, arrayMember, face);
-		             const std::size_t numPixels = std::size_t{result.getWidth(level)} * result.getHeight(level) * result.getDepth(level);
-		             forEachPixelPair<NormalisedElement>(
-		                 a.getDataPtr(level, arrayMember, face), a.getChannelType(), b.getDataPtr(level, arrayMember, face),
-		                 b.getChannelType(), numPixels,
-		                 [&](const float* pixelOfA, const float* pixelOfB, std::size_t i)
-		                 {
-			                 float magnitude[4];
-			                 for (unsigned int c = 0; c < 4; ++c)
-			                 {
-				                 magnitude[c] = magnitudeOf((pixelOfA[c] - pixelOfB[c]) * multiplier);
-			                 }
-			                 pixels[i] = {magnitude[0] + 0.5f, magnitude[1] + 0.5f, magnitude[2] + 0.5f, 1.0f - magnitude[3] + 0.5f};
-		                 });
+		             auto* const pixels = static_cast<float*>(result.getDataPtr(mipLevel, arrayMember, face));
+		             const std::size_t numPixels =
+		                 std::size_t{result.getWidth(mipLevel)} * result.getHeight(mipLevel) * result.getDepth(mipLevel);
+		             drawInRuns({a.getDataPtr(mipLevel, arrayMember, face), a.getChannelType()},
+		                        {b.getDataPtr(mipLevel, arrayMember, face), b.getChannelType()}, numPixels,
+		                        [&](auto level, const float* pixelsOfA, const float* pixelsOfB, std::size_t first, std::size_t count)
+		                        { drawColours<level()>(pixelsOfA, pixelsOfB, count, multiplier, pixels + 4 * first); });
 	             });
 	return result;
 }
 
 CZORTexture ToleranceDiff(const CZORTexture& a, const CZORTexture& b, float tolerance)
 {
-	constexpr Pixel<unsigned char> kBlack = {0, 0, 0, 255};
-	constexpr Pixel<unsigned char> kBlue = {0, 0, 255, 255};
-	constexpr Pixel<unsigned char> kRed = {255, 0, 0, 255};
-
-	CZORTexture result = createDifferenceTexture(a, b, ZORStandard8PixelType, eVT_UnsignedByteNorm);
-	fillInStorageOrder(a, b, result,
-	                   [&](const float* pixelOfA, const float* pixelOfB)
-	                   {
-		                   float largest = 0.0f;
-		                   for (unsigned int c = 0; c < 4; ++c)
-		                   {
-			                   largest = std::max(largest, magnitudeOf(pixelOfA[c] - pixelOfB[c]));
-		                   }
-		                   if (largest * 255.0f < 1.0f)
-		                   {
-			                   return kBlack;
-		                   }
-		                   return tolerance > largest ? kBlue : kRed;
-	                   });
-	return result;
+	return drawInStorageOrder(
+	    a, b,
+	    [tolerance](auto level, const float* pixelsOfA, const float* pixelsOfB, std::size_t count, unsigned char* pixels)
+	    { drawTolerance<level()>(pixelsOfA, pixelsOfB, count, tolerance, pixels); });
 }
 
 CZORTexture BlendDiff(const CZORTexture& a, const CZORTexture& b, float ratio)
 {
-	CZORTexture result = createDifferenceTexture(a, b, ZORStandard8PixelType, eVT_UnsignedByteNorm);
 	const float shareOfA = std::clamp(ratio, 0.0f, 1.0f);
-	const float shareOfB = 1.0f - shareOfA;
-	fillInStorageOrder(a, b, result,
-	                   [&](const float* pixelOfA, const float* pixelOfB)
-	                   {
-		                   const auto blend = [&](unsigned int c)
-		                   {
-			                   return wrapToUnsigned<unsigned char>((pixelOfA[c] * shareOfA + pixelOfB[c] * shareOfB) * 255.0f);
-		                   };
-		                   return Pixel<unsigned char>{blend(0), blend(1), blend(2), blend(3)};
-	                   });
-	return result;
+	return drawInStorageOrder(a, b,
+	                          [shareOfA](auto level, const float* pixelsOfA, const float* pixelsOfB, std::size_t count,
+	                                     unsigned char* pixels) { drawBlend<level()>(pixelsOfA, pixelsOfB, count, shareOfA, pixels); });
 }
 } // namespace zortexture

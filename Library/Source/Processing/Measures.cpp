@@ -3,7 +3,9 @@
 #include <cstddef>
 
 #include "Comparison.h"
+#include "DifferenceSums.h"
 #include "PixelPairs.h"
+#include "Simd/SimdLevel.h"
 #include "StandardTexture.h"
 
 namespace zortexture
@@ -41,23 +43,58 @@ std::size_t countPixels(const CZORTexture& texture, unsigned int mip)
 	return std::size_t{texture.getWidth(mip)} * texture.getHeight(mip) * texture.getDepth(mip);
 }
 
-/// Calls `accumulate(sum, difference, c)` with the signed difference of channel c = 0..3, for every channel of every
-/// pixel, and returns the sums, which begin with `start`.
-template<typename Accumulate>
-ChannelSums accumulateDifferences(const CZORTexture& a, const CZORTexture& b, const ImagePosition& position, float start,
-                                  Accumulate&& accumulate)
+/// As many pixels from the start as integers can sum up with the result of floats, added to the sums, which begin with 0 (with -1 for the
+/// largest difference). A sum of floats is exact, and so the same in any order, as long as it is an integer of at most 2^24; since nothing
+/// that is added is negative, it is that all along if it is in the end.
+/// @return the pixels added.
+template<ESimdLevel level, EDifferenceSum kind>
+std::size_t addWholeNumbers(const ImageElements& a, const ImageElements& b, std::size_t numPixels, ChannelSums& sums)
 {
+	constexpr float kLargestExact = 16777216.0f;
+	for (std::size_t first = 0; first < numPixels; first += kMaxBytePixels)
+	{
+		unsigned int run[4];
+		sumByteDifferences<level, kind>(static_cast<const unsigned char*>(a.from(first)), static_cast<const unsigned char*>(b.from(first)),
+		                                std::min(kMaxBytePixels, numPixels - first), run);
+		ChannelSums next = sums;
+		for (unsigned int c = 0; c < 4; ++c)
+		{
+			const auto term = static_cast<float>(run[c]);
+			next.channel[c] = kind == eLargestDifference ? std::max(sums.channel[c], term) : sums.channel[c] + term;
+			if (term > kLargestExact || next.channel[c] > kLargestExact)
+			{
+				return first;
+			}
+		}
+		sums = next;
+	}
+	return numPixels;
+}
+
+/// The sums of one kind over the differences of an image of two textures.
+template<EDifferenceSum kind>
+ChannelSums sumDifferences(const CZORTexture& a, const CZORTexture& b, const ImagePosition& position, const ChannelSums& means = {})
+{
+	const float start = kind == eLargestDifference ? -1.0f : 0.0f;
 	ChannelSums sums = {{start, start, start, start}};
-	const void* imageOfA = a.getDataPtr(position.mip, position.arrayMember, position.face);
-	const void* imageOfB = b.getDataPtr(position.mip, position.arrayMember, position.face);
-	forEachPixelPair<RawElement>(imageOfA, a.getChannelType(), imageOfB, b.getChannelType(), countPixels(a, position.mip),
-	                             [&](const float* pixelOfA, const float* pixelOfB, std::size_t)
-	                             {
-		                             for (unsigned int c = 0; c < 4; ++c)
-		                             {
-			                             accumulate(sums.channel[c], pixelOfA[c] - pixelOfB[c], c);
-		                             }
-	                             });
+	const ImageElements imageOfA = {a.getDataPtr(position.mip, position.arrayMember, position.face), a.getChannelType()};
+	const ImageElements imageOfB = {b.getDataPtr(position.mip, position.arrayMember, position.face), b.getChannelType()};
+	const std::size_t numPixels = countPixels(a, position.mip);
+	withSimdLevel(
+	    [&](auto level)
+	    {
+		    std::size_t first = 0;
+		    if constexpr (level() != eSimdPlain && kind != eSumOfDeviations)
+		    {
+			    if (imageOfA.isBytes() && imageOfB.isBytes())
+			    {
+				    first = addWholeNumbers<level(), kind>(imageOfA, imageOfB, numPixels, sums);
+			    }
+		    }
+		    forEachRunOfPairs<level()>(eReadRaw, imageOfA, imageOfB, first, numPixels,
+		                               [&](const float* pixelsOfA, const float* pixelsOfB, std::size_t, std::size_t count)
+		                               { addDifferences<level(), kind>(pixelsOfA, pixelsOfB, count, means.channel, sums.channel); });
+	    });
 	return sums;
 }
 } // namespace
@@ -80,9 +117,7 @@ SChannelDifference GetMaxDifference(const CZORTexture& a, const CZORTexture& b, 
 	{
 		return kNothingToCompare;
 	}
-	const ChannelSums largest =
-	    accumulateDifferences(a, b, {mip, arrayMember, face}, -1.0f,
-	                          [](float& maximum, float difference, unsigned int) { maximum = std::max(maximum, std::fabs(difference)); });
+	const ChannelSums largest = sumDifferences<eLargestDifference>(a, b, {mip, arrayMember, face});
 	return makeDifference(largest, *std::max_element(largest.channel, largest.channel + 4));
 }
 
@@ -93,8 +128,7 @@ SChannelDifference GetMeanErrorValue(const CZORTexture& a, const CZORTexture& b,
 	{
 		return kNothingToCompare;
 	}
-	ChannelSums means = accumulateDifferences(a, b, {mip, arrayMember, face}, 0.0f,
-	                                          [](float& sum, float difference, unsigned int) { sum += std::fabs(difference); });
+	ChannelSums means = sumDifferences<eSumOfDifferences>(a, b, {mip, arrayMember, face});
 	const float numPixels = static_cast<float>(countPixels(a, mip));
 	for (float& mean : means.channel)
 	{
@@ -110,8 +144,7 @@ SChannelDifference GetRMSErrorValue(const CZORTexture& a, const CZORTexture& b, 
 	{
 		return kNothingToCompare;
 	}
-	ChannelSums roots = accumulateDifferences(a, b, {mip, arrayMember, face}, 0.0f,
-	                                          [](float& sum, float difference, unsigned int) { sum += difference * difference; });
+	ChannelSums roots = sumDifferences<eSumOfSquares>(a, b, {mip, arrayMember, face});
 	const float numPixels = static_cast<float>(countPixels(a, mip));
 	for (float& root : roots.channel)
 	{
@@ -129,13 +162,8 @@ SChannelDifference GetStandardDeviation(const CZORTexture& a, const CZORTexture&
 	}
 	// The mean is that of the absolute differences, the distances from it are those of the signed ones.
 	const SChannelDifference mean = GetMeanErrorValue(a, b, mip, arrayMember, face);
-	const float means[4] = {mean.red, mean.green, mean.blue, mean.alpha};
-	ChannelSums deviations = accumulateDifferences(a, b, {mip, arrayMember, face}, 0.0f,
-	                                               [&means](float& sum, float difference, unsigned int c)
-	                                               {
-		                                               const double distance = difference - means[c];
-		                                               sum = static_cast<float>(sum + distance * distance);
-	                                               });
+	ChannelSums deviations =
+	    sumDifferences<eSumOfDeviations>(a, b, {mip, arrayMember, face}, {{mean.red, mean.green, mean.blue, mean.alpha}});
 	const float numPixels = static_cast<float>(countPixels(a, mip));
 	for (float& deviation : deviations.channel)
 	{

@@ -2,75 +2,71 @@
 /// The walk over the pixels of two images whose element types may differ.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 
-#include "ElementDispatch.h"
+#include "Simd/SimdLevel.h"
+#include "ZORTDefines.h"
 
 namespace zortexture
 {
-/// Elements as they stand, converted to float.
-struct RawElement
+/// How an element becomes a float.
+enum EElementReading
 {
-	template<typename T>
-	static float read(T element)
+	eReadRaw,        ///< as it stands, converted to float
+	eReadNormalised, ///< integers scaled to 0..1, floats as they stand
+};
+
+/// Elements of a standard layout as floats.
+template<ESimdLevel level>
+void readElements(EElementReading reading, const void* elements, EZORTVariableType channelType, std::size_t count, float* floats);
+
+/// An image of a standard layout.
+struct ImageElements
+{
+	const void* elements;
+	EZORTVariableType channelType;
+
+	/// The elements from a pixel on; 1, 2 or 4 bytes each.
+	const void* from(std::size_t pixel) const
 	{
-		return static_cast<float>(element);
+		const unsigned int shift = channelType >> 2;
+		return static_cast<const unsigned char*>(elements) + (pixel * 4 << (shift < 2 ? shift : 2));
+	}
+	bool isBytes() const
+	{
+		return channelType >> 2 == 0;
+	}
+	bool isFloats() const
+	{
+		return channelType >> 2 > 2;
 	}
 };
 
-/// Integer elements scaled to 0..1, floats as they stand.
-struct NormalisedElement
-{
-	template<typename T>
-	static float read(T element)
-	{
-		if constexpr (std::is_same_v<T, float>)
-		{
-			return element;
-		}
-		else if constexpr (std::is_same_v<T, unsigned int>)
-		{
-			return static_cast<float>(element) * 2.3283064e-10f; // 2^-32 to the precision of float
-		}
-		else
-		{
-			return static_cast<float>(element) / kElementCeiling<T>;
-		}
-	}
-};
-
-/// Converts elements to floats, in the way of RawElement or NormalisedElement.
-template<typename Element>
-inline void readElements(const void* pixels, EZORTVariableType channelType, std::size_t first, std::size_t count, float* elements)
-{
-	withElementType(channelType,
-	                [&](auto tag)
-	                {
-		                using T = typename decltype(tag)::type;
-		                std::transform(static_cast<const T*>(pixels) + first, static_cast<const T*>(pixels) + first + count, elements,
-		                               [](T element) { return Element::read(element); });
-	                });
-}
-
-/// Calls `function(a, b, i)` for `numPixels` pixels in order, with pixel i of both images as four floats each. The
+/// Calls `function(a, b, first, count)` for runs of pixels in order, with four floats for each of `count` pixels from `first` on. The
 /// elements are converted in runs, so that the types are told apart once a run instead of once a pixel.
-template<typename Element, typename Function>
-inline void forEachPixelPair(const void* a, EZORTVariableType typeOfA, const void* b, EZORTVariableType typeOfB, std::size_t numPixels,
-                             Function&& function)
+template<ESimdLevel level, typename Function>
+inline void forEachRunOfPairs(EElementReading reading, const ImageElements& a, const ImageElements& b, std::size_t first,
+                              std::size_t numPixels, Function&& function)
 {
 	constexpr std::size_t kPixelsInRun = 256;
-	float elementsOfA[4 * kPixelsInRun];
-	float elementsOfB[4 * kPixelsInRun];
-	for (std::size_t first = 0; first < numPixels; first += kPixelsInRun)
+	float bufferOfA[4 * kPixelsInRun];
+	float bufferOfB[4 * kPixelsInRun];
+	while (first < numPixels)
 	{
-		const std::size_t count = std::min(kPixelsInRun, numPixels - first);
-		readElements<Element>(a, typeOfA, 4 * first, 4 * count, elementsOfA);
-		readElements<Element>(b, typeOfB, 4 * first, 4 * count, elementsOfB);
-		for (std::size_t i = 0; i < count; ++i)
+		const std::size_t count = numPixels - first < kPixelsInRun ? numPixels - first : kPixelsInRun;
+		const auto read = [&](const ImageElements& image, float* buffer)
 		{
-			function(elementsOfA + 4 * i, elementsOfB + 4 * i, first + i);
-		}
+			if (image.isFloats())
+			{
+				return static_cast<const float*>(image.from(first));
+			}
+			readElements<level>(reading, image.from(first), image.channelType, 4 * count, buffer);
+			return static_cast<const float*>(buffer);
+		};
+		const float* const elementsOfA = read(a, bufferOfA);
+		const float* const elementsOfB = read(b, bufferOfB);
+		function(elementsOfA, elementsOfB, first, count);
+		first += count;
 	}
 }
 } // namespace zortexture

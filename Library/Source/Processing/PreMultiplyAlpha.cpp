@@ -1,6 +1,8 @@
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
+#include "ByteChannels.h"
 #include "ChannelAccess.h"
 #include "Channels.h"
 #include "ElementDispatch.h"
@@ -30,6 +32,24 @@ T multiply(T element, float factor)
 {
 	return static_cast<T>(wrapToUnsigned<std::uint8_t>(static_cast<float>(element) * factor));
 }
+template<typename T>
+void multiplyAll(Pixel<T>* pixels, std::size_t numPixels)
+{
+	if constexpr (sizeof(T) == 1)
+	{
+		withSimdLevel([&](auto level) { preMultiplyBytes<level()>(&pixels->r, numPixels); });
+	}
+	else
+	{
+		for (Pixel<T>& pixel : std::span(pixels, numPixels))
+		{
+			const float factor = alphaFactor(pixel.a);
+			pixel.r = multiply(pixel.r, factor);
+			pixel.g = multiply(pixel.g, factor);
+			pixel.b = multiply(pixel.b, factor);
+		}
+	}
+}
 } // namespace
 
 bool PreMultiplyAlpha(CZORTexture& texture)
@@ -41,19 +61,8 @@ bool PreMultiplyAlpha(CZORTexture& texture)
 	withElementType(texture.getChannelType(),
 	                [&]<typename T>(std::type_identity<T>)
 	                {
-		                forEachImage(texture,
-		                             [&](unsigned int mipLevel, unsigned int arrayMember, unsigned int face)
-		                             {
-			                             auto* pixel = pixelsOf<T>(texture, mipLevel, arrayMember, face);
-			                             const Pixel<T>* const end = pixel + pixelCount(texture, mipLevel);
-			                             for (; pixel != end; ++pixel)
-			                             {
-				                             const float factor = alphaFactor(pixel->a);
-				                             pixel->r = multiply(pixel->r, factor);
-				                             pixel->g = multiply(pixel->g, factor);
-				                             pixel->b = multiply(pixel->b, factor);
-			                             }
-		                             });
+		                forEachImage(texture, [&](unsigned int mipLevel, unsigned int arrayMember, unsigned int face)
+		                             { multiplyAll(pixelsOf<T>(texture, mipLevel, arrayMember, face), pixelCount(texture, mipLevel)); });
 	                });
 	texture.setIsPreMultiplied(true);
 	return true;

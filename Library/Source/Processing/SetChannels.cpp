@@ -1,6 +1,6 @@
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
-#include <vector>
 
 #include "ChannelAccess.h"
 #include "Channels.h"
@@ -34,6 +34,60 @@ T elementOf(float value)
 	return toElement<T>(value);
 }
 
+/// A change of every pixel of an image, on 16 bytes at a time: whole pixels in all layouts.
+class PixelPattern
+{
+public:
+	template<typename T>
+	PixelPattern(const Pixel<T>& written, const Pixel<T>& values)
+	{
+		static_assert(sizeof(m_written) % sizeof(written) == 0);
+		for (std::size_t offset = 0; offset < sizeof(m_written); offset += sizeof(written))
+		{
+			std::memcpy(reinterpret_cast<char*>(m_written) + offset, &written, sizeof(written));
+			std::memcpy(reinterpret_cast<char*>(m_values) + offset, &values, sizeof(values));
+		}
+	}
+
+	void write(unsigned char* bytes, std::size_t count) const
+	{
+		const std::size_t whole = count - count % sizeof(m_values);
+		for (std::size_t i = 0; i < whole; i += sizeof(m_values))
+		{
+			writeWords(bytes + i, sizeof(m_values));
+		}
+		writeWords(bytes + whole, count - whole);
+	}
+
+private:
+	void writeWords(unsigned char* bytes, std::size_t count) const
+	{
+		std::uint64_t words[2] = {};
+		std::memcpy(words, bytes, count);
+		words[0] = (words[0] & ~m_written[0]) | m_values[0];
+		words[1] = (words[1] & ~m_written[1]) | m_values[1];
+		std::memcpy(bytes, words, count);
+	}
+
+	std::uint64_t m_written[2]; ///< all bits of the elements that are set
+	std::uint64_t m_values[2];
+};
+
+/// The pattern of a list of channels; of two that name one element the later one holds.
+template<typename T, typename Value>
+PixelPattern patternOf(unsigned int numChannels, const EChannelName* channels, const Value* values)
+{
+	const T allBits = elementOf<T>(0xFFFFFFFFu);
+	Pixel<T> written{};
+	Pixel<T> elements{};
+	for (unsigned int c = 0; c < numChannels; ++c)
+	{
+		writeChannel(written, channels[c], allBits);
+		writeChannel(elements, channels[c], elementOf<T>(values[c]));
+	}
+	return PixelPattern(written, elements);
+}
+
 /// Sets channels to integers or to floats.
 template<typename Value>
 bool setChannelsTo(CZORTexture& texture, unsigned int numChannels, const EChannelName* channels, const Value* values)
@@ -42,30 +96,15 @@ bool setChannelsTo(CZORTexture& texture, unsigned int numChannels, const EChanne
 	{
 		return false;
 	}
-	return withElementType(texture.getChannelType(),
-	                       [&]<typename T>(std::type_identity<T>)
-	                       {
-		                       std::vector<T> elements;
-		                       elements.reserve(numChannels);
-		                       for (unsigned int c = 0; c < numChannels; ++c)
-		                       {
-			                       elements.push_back(elementOf<T>(values[c]));
-		                       }
-		                       forEachImage(texture,
-		                                    [&](unsigned int mipLevel, unsigned int arrayMember, unsigned int face)
-		                                    {
-			                                    auto* pixels = pixelsOf<T>(texture, mipLevel, arrayMember, face);
-			                                    const std::size_t numPixels = pixelCount(texture, mipLevel);
-			                                    for (std::size_t i = 0; i < numPixels; ++i)
-			                                    {
-				                                    for (unsigned int c = 0; c < numChannels; ++c)
-				                                    {
-					                                    writeChannel(pixels[i], channels[c], elements[c]);
-				                                    }
-			                                    }
-		                                    });
-		                       return true;
-	                       });
+	const PixelPattern pattern = withElementType(texture.getChannelType(), [&]<typename T>(std::type_identity<T>)
+	                                             { return patternOf<T>(numChannels, channels, values); });
+	forEachImage(texture,
+	             [&](unsigned int mipLevel, unsigned int arrayMember, unsigned int face)
+	             {
+		             auto* const image = static_cast<unsigned char*>(texture.getDataPtr(mipLevel, arrayMember, face));
+		             pattern.write(image, texture.getDataSize(static_cast<int>(mipLevel), false, false));
+	             });
+	return true;
 }
 } // namespace
 

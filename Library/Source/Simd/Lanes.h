@@ -486,6 +486,16 @@ ZORT_INLINE Lanes<float, N> absolute(Lanes<float, N> a)
 	return as<float>(as<std::uint32_t>(a) & Lanes<std::uint32_t, N>::filled(0x7FFFFFFF));
 }
 
+/// The first two floats as doubles, and back in the first two lanes of four.
+ZORT_INLINE Lanes<double, 2> toDoubles(Lanes<float, 4> a)
+{
+	return {reinterpret_cast<Lanes<double, 2>::Vector>(_mm_cvtps_pd(a.v))};
+}
+ZORT_INLINE Lanes<float, 4> toFloats(Lanes<double, 2> a)
+{
+	return {reinterpret_cast<Lanes<float, 4>::Vector>(_mm_cvtpd_ps(a.v))};
+}
+
 /// table[index] for every lane, of four bytes each.
 template<typename T, unsigned int N>
 ZORT_INLINE Lanes<T, N> lookUp(const T* table, Lanes<std::int32_t, N> indices)
