@@ -6,6 +6,7 @@
 #include "ETCCodec.h"
 #include "EtcExhaustiveSupport.h"
 #include "EtcTestSupport.h"
+#include "Simd/SimdLevels.h"
 
 using namespace zortexture;
 using namespace etctest;
@@ -81,6 +82,51 @@ TEST(EtcExhaustiveLadder, TheBestBlockOfAllModes)
 				{
 					EXPECT_EQ(encode(texels, quality + 2, format), found);
 				}
+			}
+		}
+	}
+}
+
+/// A block of a photograph, made darker or lighter and given a little noise.
+Rgb16 naturalBlock(std::mt19937& random)
+{
+	Rgb16 block = kNaturalBlocks[below(random, 2)];
+	const int contrast = static_cast<int>(below(random, 160));
+	const int offset = static_cast<int>(below(random, 160)) - 60;
+	for (unsigned char& value : block)
+	{
+		value = clamp(value * contrast / 100 + offset + static_cast<int>(below(random, 5)));
+	}
+	return block;
+}
+
+TEST(EtcExhaustiveLadder, EveryVectorUnitGivesTheBytesOfThePlainForm)
+{
+	std::mt19937 random(83);
+	Bytes texels;
+	for (unsigned int turn = 0; turn < 24; ++turn)
+	{
+		Rgb16 block = turn < 14 ? naturalBlock(random) : anyBlock(random, turn % 5 + 1);
+		if (turn == 23)
+		{
+			std::generate(block.begin(), block.end(), [&random] { return static_cast<unsigned char>(below(random, 100)); });
+		}
+		texels.insert(texels.end(), block.begin(), block.end());
+	}
+	for (const unsigned int format : {ePF_ETC1, ePF_ETC2_RGB})
+	{
+		for (const int quality : {2, 3})
+		{
+			const auto compress = [&]
+			{
+				Bytes blocks(24 * 8);
+				EXPECT_EQ(ETCCompress(texels.data(), blocks.data(), 4, 24 * 4, quality, format, false), blocks.size());
+				return blocks;
+			};
+			const Bytes plain = atSimdLevel(eSimdPlain, compress);
+			for (const ESimdLevel level : kVectorLevels)
+			{
+				EXPECT_EQ(atSimdLevel(level, compress), plain) << "level " << level << ", format " << format << ", quality " << quality;
 			}
 		}
 	}
