@@ -25,8 +25,6 @@ enum Half
 constexpr unsigned char kHalfTexels[4][8] = {
     {0, 1, 2, 3, 4, 5, 6, 7}, {8, 9, 10, 11, 12, 13, 14, 15}, {0, 1, 4, 5, 8, 9, 12, 13}, {2, 3, 6, 7, 10, 11, 14, 15}};
 
-constexpr int kModifiers[8][4] = {{-8, -2, 2, 8},     {-17, -5, 5, 17},   {-29, -9, 9, 29},     {-42, -13, 13, 42},
-                                  {-60, -18, 18, 60}, {-80, -24, 24, 80}, {-106, -33, 33, 106}, {-183, -47, 47, 183}};
 /// The least modifier of the upper four tables.
 constexpr int kLeastUpperModifier = 18;
 
@@ -383,19 +381,6 @@ ZORT_INLINE void loadHalf(const std::int32_t (&pairs)[16], unsigned int half, Re
 	}
 }
 
-/// The index bits of texels whose best columns are in the lanes: column 0 has index 3, 1 has 2, 2 has 0, 3 has 1.
-ZORT_INLINE void giveBits(I32 columns, unsigned int part, HalfChoice& choice)
-{
-	const unsigned int first = part * I32::kCount;
-	choice.highBits |= bitsOfMask(columns < I32::filled(2)) << first;
-	choice.lowBits |= bitsOfMask((columns == I32::filled(0)) | (columns == I32::filled(3))) << first;
-}
-
-ZORT_INLINE int limitedToByte(int value)
-{
-	return value < 0 ? 0 : (value > 255 ? 255 : value);
-}
-
 /// Indices for one table, in plain squares.
 ZORT_INLINE void matchPlain(const I32 (&redGreen)[kParts], const I32 (&blue)[kParts], const int (&base)[3], HalfChoice& choice)
 {
@@ -415,7 +400,7 @@ ZORT_INLINE void matchPlain(const I32 (&redGreen)[kParts], const I32 (&blue)[kPa
 			const I32 key = error << 2 | I32::filled(static_cast<int>(column));
 			best = column == 0 ? key : least(key, best);
 		}
-		giveBits(best & I32::filled(3), part, choice);
+		indexBits(best & I32::filled(3), part, choice.highBits, choice.lowBits);
 	}
 }
 
@@ -454,7 +439,7 @@ ZORT_INLINE void matchPerceptual(const I32 (&redGreen)[kParts], const I32 (&blue
 			choice.blue[part] = select(isLess, differenceBlue, choice.blue[part]);
 		}
 		leastError.store(errors + part * F32::kCount);
-		giveBits(best, part, choice);
+		indexBits(best, part, choice.highBits, choice.lowBits);
 	}
 	choice.error = 0.0F;
 	for (const float error : errors)

@@ -49,6 +49,19 @@ struct EtcCandidate
 template<ESimdLevel level, EtcMeasure measure>
 EtcCandidate searchDiffFlipFast(const EtcTexelPairs& texels, EtcCandidate& rival, bool& isOpen);
 
+/// The best table of a half in the one-bit-alpha format, the first on a tie, with index bits by number of the texel; see
+/// EtcPunchThrough.cpp. The error is the plain one over the opaque texels.
+struct EtcHalfTable
+{
+	unsigned int error;
+	unsigned int table;
+	unsigned int highBits;
+	unsigned int lowBits;
+};
+template<ESimdLevel level>
+EtcHalfTable searchPunchThroughTables(bool isTransparent, const unsigned char (&texels)[8][3], unsigned int opaque,
+                                      const unsigned char (&base)[3]);
+
 /// The planar block by least squares.
 struct EtcPlanarFit
 {
@@ -87,9 +100,19 @@ struct EtcPaintSums
 template<ESimdLevel level, EtcMeasure measure>
 void sumPaintsFast(const EtcTexelPairs& texels, const unsigned char (&pair)[2][3], EtcPaintSums& sums);
 
+/// Sums for the T blocks of the one-bit-alpha format, over the texels that are `opaque` by their place: these do without the second colour
+/// as it is, whose index is transparent.
+template<ESimdLevel level>
+void sumPunchThroughPaints(const EtcTexelPairs& texels, unsigned int opaque, const unsigned char (&pair)[2][3], std::int32_t (&t)[2][8]);
+
 /// The error of four paint colours, the lowest index on a tie; `indices` is the stored word.
 template<ESimdLevel level, EtcMeasure measure>
 unsigned int matchPaintsFast(const EtcTexelPairs& texels, const unsigned char (&paint)[4][3], unsigned int& indices);
+
+/// The same for such a T block: opaque texels keep clear of index 2, and the others take it and add no error.
+template<ESimdLevel level>
+unsigned int matchPunchThroughPaints(const EtcTexelPairs& texels, unsigned int opaque, const unsigned char (&paint)[4][3],
+                                     unsigned int& indices);
 
 /// The greatest sum of weighted squares that may belong to an error as small as that of the sum `least`. The perceptual weights of the sums
 /// stand to the true ones as 183.94 to 184.22 does to 1, so that a sum that is greater by more than 1/512 belongs to the greater error.

@@ -3,13 +3,17 @@
 ///
 /// No candidate is decoded: its error is known from the search. Perceptual errors are compared as the integers that they are thousandths
 /// of; only where two of these are equal can the roundings of the floating-point errors matter, and then both blocks are decoded.
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "Codecs/ETC/EtcFastKernels.h"
 #include "Codecs/ETC/EtcFastSearch.h"
 #include "Codecs/ETC/EtcLadder.h"
 #include "Codecs/ETC/EtcPlanarCorners.h"
+#include "Codecs/ETC/EtcPunchThrough.h"
 #include "Codecs/ETC/EtcThSearch.h"
 #include "ZORTDefines.h"
 
@@ -58,19 +62,21 @@ PackedPair sortedPair(PackedPair packed)
 	return packed;
 }
 
+using Stuffing = void (*)(unsigned int, unsigned int, unsigned int&, unsigned int&);
+
 /// The block that a fast search builds up.
 template<ESimdLevel level, EtcMeasure measure>
 class CFastLadder
 {
 public:
-	explicit CFastLadder(const TexelBlock& block) : m_block(block), m_texels(pairsOf(block))
+	explicit CFastLadder(const TexelBlock& block) : m_texels(pairsOf(block)), m_block(block)
 	{
 	}
 
 	/// The step of ETC1.
 	void searchDiffFlip()
 	{
-		EtcCandidate rival;
+		EtcCandidate rival{};
 		bool isOpen = false;
 		m_best = searchDiffFlipFast<level, measure>(m_texels, rival, isOpen);
 		if (isOpen && measuredError(rival) < measuredError(m_best))
@@ -79,10 +85,27 @@ public:
 		}
 	}
 
-	/// The candidate to go on from, words as stored.
-	void startFrom(const EtcCandidate& best)
+	/// All modes of the one-bit-alpha format, for alphas of 0 and 255 alone: other ones are not counted alike by the searches and the
+	/// measure.
+	void searchOneBitAlpha()
 	{
-		m_best = best;
+		unsigned int opaque = 0;
+		for (unsigned int i = 0; i < 16; ++i)
+		{
+			opaque |= static_cast<unsigned int>(m_block.alphas[i] != 0) << (i % 4 * 4 + i / 4);
+		}
+		m_best = searchPunchThroughHalves(true);
+		if (m_best.error != 0)
+		{
+			tryPunchThroughT(opaque);
+			tryPunchThroughH();
+		}
+		if (opaque != 0xFFFF)
+		{
+			return;
+		}
+		keepIfBetter(searchPunchThroughHalves(false));
+		tryFurtherModes();
 	}
 
 	/// Planar, T and H, and the wider search of T or H if that mode won.
@@ -98,9 +121,7 @@ public:
 			return;
 		}
 
-		EtcColourPair colours;
-		clusterColoursFast<level, EtcClustering::HalfIntensityFast>(m_block.colours, colours);
-		const PackedPair packed = packedPair(colours);
+		const PackedPair packed = halfIntensityPair();
 		const PackedPair sorted = sortedPair(packed);
 		EtcPaintSums sums;
 		sumPaints<measure>(packed, sums);
@@ -169,6 +190,70 @@ private:
 		keepIfBetter(planar);
 	}
 
+	/// The clustering that T and H have in common.
+	PackedPair halfIntensityPair()
+	{
+		if (!m_isClustered)
+		{
+			m_halfIntensity = cluster<EtcClustering::HalfIntensityFast>();
+			m_isClustered = true;
+		}
+		return m_halfIntensity;
+	}
+
+	[[nodiscard]] EtcCandidate searchPunchThroughHalves(bool isTransparent) const
+	{
+		const auto searchTables = [isTransparent](const PunchThroughHalf& half, const unsigned char(&base)[3])
+		{
+			const EtcHalfTable best = searchPunchThroughTables<level>(isTransparent, half.texels.rgb, half.opaque, base);
+			return TableChoice<unsigned int>{best.error, {best.table, best.highBits, best.lowBits}};
+		};
+		const auto best = searchPunchThrough(isTransparent, searchTables, m_block.colours, m_block.alphas, 4, 0, 0);
+		return {best.word1, best.word2, best.error};
+	}
+
+	void tryPunchThroughT(unsigned int opaque)
+	{
+		if (opaque == 0xFFFF && isBeyondPaintsFast<level, EtcMeasure::Plain>(m_texels, m_best.error))
+		{
+			return;
+		}
+		const PackedPair packed = halfIntensityPair();
+		EtcColourPair colours;
+		decompressColor(4, 4, 4, packed.colours, colours);
+		std::int32_t sums[2][8];
+		sumPunchThroughPaints<level>(m_texels, opaque, colours, sums);
+		const auto candidateOf = [&](unsigned int i)
+		{
+			return tCandidate(packed, i >= 8, i % 8, stuff59bitsDiffFalse,
+			                  [&](const EtcPaintColours& paint, unsigned int& indices)
+			                  { return matchPunchThroughPaints<level>(m_texels, opaque, paint, indices); });
+		};
+		EtcCandidate candidate{};
+		if (chooseCandidate<EtcMeasure::Plain>(bothOrders(sums), candidateOf, candidate))
+		{
+			keepIfBetter(candidate);
+		}
+	}
+
+	/// The H search gives its transparent index to the opaque texels, so that they come out black whatever it finds for the others: its
+	/// error is known beforehand, and seldom the least.
+	void tryPunchThroughH()
+	{
+		EtcCandidate candidate{};
+		for (unsigned int i = 0; i < 16; ++i)
+		{
+			const unsigned char* texel = m_block.colours + i * 3;
+			candidate.error += m_block.alphas[i] == 0 ? 0 : PlainScale::square(texel[0], texel[1], texel[2]);
+		}
+		if (candidate.error < m_best.error)
+		{
+			compressBlockTHUMB58HAlpha(m_block.colours, m_block.alphas, 4, 0, 0, candidate.word1, candidate.word2);
+			stuff58bitsDiffFalse(candidate.word1, candidate.word2, candidate.word1, candidate.word2);
+			m_best = candidate;
+		}
+	}
+
 	template<EtcMeasure m>
 	void sumPaints(const PackedPair& packed, EtcPaintSums& sums) const
 	{
@@ -192,8 +277,9 @@ private:
 		}
 	}
 
-	template<EtcMeasure m>
-	EtcCandidate tCandidate(PackedPair packed, bool isSwapped, unsigned int distance) const
+	/// `match` gives the error of four paint colours and their indices.
+	template<typename Match>
+	EtcCandidate tCandidate(PackedPair packed, bool isSwapped, unsigned int distance, Stuffing stuff, Match&& match) const
 	{
 		if (isSwapped)
 		{
@@ -204,9 +290,9 @@ private:
 		decompressColor(4, 4, 4, packed.colours, colours);
 		paintColoursT(distance, colours, paint);
 		unsigned int indices = 0;
-		EtcCandidate candidate{0, 0, matchPaintsFast<level, m>(m_texels, paint, indices)};
-		stuff59bits(packRgb444(packed.colours[0]) << 15 | packRgb444(packed.colours[1]) << 3 | distance, indices, candidate.word1,
-		            candidate.word2);
+		EtcCandidate candidate{0, 0, match(paint, indices)};
+		stuff(packRgb444(packed.colours[0]) << 15 | packRgb444(packed.colours[1]) << 3 | distance, indices, candidate.word1,
+		      candidate.word2);
 		return candidate;
 	}
 
@@ -233,12 +319,13 @@ private:
 
 	/// The best of candidates by their sums, in order, the first on a tie; false if none can be better than the best block. `candidate`
 	/// makes the block of a number.
-	template<EtcMeasure m, unsigned int Count, typename Make>
-	bool chooseCandidate(const std::int32_t (&sums)[Count], Make&& makeCandidate, EtcCandidate& chosen) const
+	template<EtcMeasure m, typename Sums, typename Make>
+	bool chooseCandidate(const Sums& sums, Make&& makeCandidate, EtcCandidate& chosen) const
 	{
+		const auto count = static_cast<unsigned int>(std::size(sums));
 		int least = sums[0];
 		unsigned int first = 0;
-		for (unsigned int i = 1; i < Count; ++i)
+		for (unsigned int i = 1; i < count; ++i)
 		{
 			first = sums[i] < least ? i : first;
 			least = sums[i] < least ? sums[i] : least;
@@ -254,7 +341,7 @@ private:
 		else
 		{
 			bool isFirst = true;
-			for (unsigned int i = 0; i < Count; ++i)
+			for (unsigned int i = 0; i < count; ++i)
 			{
 				if (sums[i] <= reachOfSum<m>(least))
 				{
@@ -270,24 +357,35 @@ private:
 		return true;
 	}
 
+	/// Sixteen sums, those of the given order first.
+	static std::array<std::int32_t, 16> bothOrders(const std::int32_t (&sums)[2][8])
+	{
+		std::array<std::int32_t, 16> both;
+		std::memcpy(both.data(), sums, sizeof(both));
+		return both;
+	}
+
 	template<EtcMeasure m>
 	bool chooseT(const PackedPair& packed, const EtcPaintSums& sums, EtcCandidate& chosen) const
 	{
-		std::int32_t both[16];
-		std::memcpy(both, sums.t, sizeof(both));
-		return chooseCandidate<m>(
-		    both, [&](unsigned int i) { return tCandidate<m>(packed, i >= 8, i % 8); }, chosen);
+		const auto candidateOf = [&](unsigned int i)
+		{
+			return tCandidate(packed, i >= 8, i % 8, stuff59bits,
+			                  [&](const EtcPaintColours& paint, unsigned int& indices)
+			                  { return matchPaintsFast<level, m>(m_texels, paint, indices); });
+		};
+		return chooseCandidate<m>(bothOrders(sums.t), candidateOf, chosen);
 	}
 
 	bool tryT(const PackedPair& packed, const EtcPaintSums& sums)
 	{
-		EtcCandidate candidate;
+		EtcCandidate candidate{};
 		return chooseT<measure>(packed, sums, candidate) && keepIfBetter(candidate);
 	}
 
 	bool tryH(const PackedPair& sorted, const EtcPaintSums& sums)
 	{
-		EtcCandidate candidate;
+		EtcCandidate candidate{};
 		return chooseCandidate<measure>(
 		           sums.h, [&](unsigned int i) { return hCandidate<measure>(sorted, i); }, candidate) &&
 		       keepIfBetter(candidate);
@@ -343,7 +441,7 @@ private:
 		for (const PackedPair& packed : pairs)
 		{
 			EtcPaintSums sums;
-			EtcCandidate candidate;
+			EtcCandidate candidate{};
 			sumPaints<kPlain>(packed, sums);
 			if (chooseT<kPlain>(packed, sums, candidate))
 			{
@@ -361,7 +459,7 @@ private:
 		for (const PackedPair& sorted : pairs)
 		{
 			EtcPaintSums sums;
-			EtcCandidate candidate;
+			EtcCandidate candidate{};
 			sumPaints<kPlain>(sorted, sums);
 			if (chooseCandidate<kPlain>(
 			        sums.h, [&](unsigned int i) { return hCandidate<kPlain>(sorted, i); }, candidate))
@@ -372,9 +470,11 @@ private:
 		keepRefinement(refinement);
 	}
 
-	const TexelBlock& m_block;
 	const EtcTexelPairs m_texels;
+	const TexelBlock& m_block;
 	EtcCandidate m_best{};
+	PackedPair m_halfIntensity{};
+	bool m_isClustered = false;
 };
 
 template<ESimdLevel level, EtcMeasure measure>
@@ -395,7 +495,16 @@ void compressColoursFast(const TexelBlock& texels, unsigned int format, int qual
 {
 	if (format == ePF_ETC2_RGB_A1)
 	{
-		compressColoursFast<eSimdPlain>(texels, format, quality, word1, word2);
+		const bool isCutOut =
+		    std::all_of(std::begin(texels.alphas), std::end(texels.alphas), [](unsigned char a) { return a == 0 || a == 255; });
+		if (!isCutOut)
+		{
+			compressColoursFast<eSimdPlain>(texels, format, quality, word1, word2);
+			return;
+		}
+		CFastLadder<level, EtcMeasure::Plain> ladder(texels);
+		ladder.searchOneBitAlpha();
+		ladder.give(word1, word2);
 	}
 	else if (quality == ETCQualityFast)
 	{

@@ -13,6 +13,9 @@ using Quad = Lanes<std::int32_t, 4>;
 /// Eight lanes of 32 bits take one register or two.
 constexpr unsigned int kParts = 32 / kLanesBytes;
 
+/// The modifiers by table and column.
+constexpr int kModifiers[8][4] = {{-8, -2, 2, 8},     {-17, -5, 5, 17},   {-29, -9, 9, 29},     {-42, -13, 13, 42},
+                                  {-60, -18, 18, 60}, {-80, -24, 24, 80}, {-106, -33, 33, 106}, {-183, -47, 47, 183}};
 /// Integer weights of the squares of the channels. The perceptual ones are small enough for 16-bit products: nearly 0.299, 0.587 and 0.114
 /// (see reachOfSum).
 template<EtcMeasure measure>
@@ -63,6 +66,19 @@ ZORT_INLINE Lanes<std::int16_t, N> limited(Lanes<std::int16_t, N> channels)
 {
 	using Channels = Lanes<std::int16_t, N>;
 	return least(greatest(channels, Channels::filled(0)), Channels::filled(255));
+}
+
+ZORT_INLINE int limitedToByte(int value)
+{
+	return value < 0 ? 0 : (value > 255 ? 255 : value);
+}
+
+/// Adds the index bits of texels whose best columns are in the lanes: column 0 has index 3, 1 has 2, 2 has 0, 3 has 1.
+ZORT_INLINE void indexBits(I32 columns, unsigned int part, unsigned int& highBits, unsigned int& lowBits)
+{
+	const unsigned int first = part * I32::kCount;
+	highBits |= bitsOfMask(columns < I32::filled(2)) << first;
+	lowBits |= bitsOfMask((columns == I32::filled(0)) | (columns == I32::filled(3))) << first;
 }
 
 /// The least of four lanes.
