@@ -10,12 +10,15 @@ struct KilnRegions
 	int count = 0;
 	/// The region of each pixel.
 	std::array<std::uint8_t, kKilnMaxWindow> map;
-	/// The pixel indices, region by region.
+	/// The pixel indices, region by region in order.
 	std::array<std::uint8_t, kKilnMaxWindow> order;
 };
 
 /// @return the number of regions.
 int AnalyseGraphicsProperties(const KilnColour* window, const KilnSettings& settings, KilnRegions& regions);
+
+/// Whether there are fewer than a quarter as many regions as pixels.
+bool kilnIsGraphics(const KilnColour* window, const KilnSettings& settings);
 
 /// The squared distance of two colours over all four channels.
 inline int SQColDist(const KilnColour& a, const KilnColour& b)

@@ -186,8 +186,7 @@ void fillStatistics(const KilnSettings& settings, BlockWindow& window, KilnBlock
 	}
 	boundPixels(pixels, window.weights[2].data(), count, nullptr, block.boxes[2]);
 
-	KilnRegions regions;
-	block.isGraphics = 4 * AnalyseGraphicsProperties(pixels, settings, regions) < count;
+	block.isGraphics = kilnIsGraphics(pixels, settings);
 }
 
 /// The pair of palette entries that stands for the window with the least error.
@@ -314,7 +313,6 @@ void startBlock(const KilnThreadRecord& record, int blockX, int blockY)
 {
 	const KilnSettings& settings = *record.settings;
 	KilnBlock& block = (*record.blocks)[blockY][blockX];
-	block = {};
 	BlockWindow window;
 	copyWindow(record, blockX, blockY, window);
 	fillStatistics(settings, window, block);
@@ -334,13 +332,16 @@ void* RunAGenerateStatsSetThread(void* threadRecord)
 	KilnThreadRecord& record = *static_cast<KilnThreadRecord*>(threadRecord);
 	try
 	{
-		for (int y = record.firstRow; y < record.endRow; ++y)
-		{
-			for (int x = 0; x < record.settings->blocksX; ++x)
-			{
-				startBlock(record, x, y);
-			}
-		}
+		const int blocksX = record.settings->blocksX;
+		record.forEachRow(
+		    [&record, blocksX](int y)
+		    {
+			    (*record.blocks)[y].resize(static_cast<std::size_t>(blocksX));
+			    for (int x = 0; x < blocksX; ++x)
+			    {
+				    startBlock(record, x, y);
+			    }
+		    });
 	}
 	catch (const std::bad_alloc&)
 	{

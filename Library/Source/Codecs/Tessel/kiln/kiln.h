@@ -6,6 +6,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -201,9 +202,11 @@ struct KilnThreadRecord
 	/// Statistics: weight of every window pixel, and the mask (windowPixels entries) of its central ones.
 	const float* windowWeights = nullptr;
 	const std::uint8_t* centralMask = nullptr;
-	/// Rows of blocks, first and end: block rows in the statistics stage, indices of rows of one parity in a phase.
+	/// Rows of blocks, first and end: block rows, or in a phase indices of rows of one parity.
 	int firstRow = 0;
 	int endRow = 0;
+	/// When not null, the next row that no thread has claimed: all threads share the rows up to the end then, in any order.
+	std::atomic<int>* nextRow = nullptr;
 	/// Of packing: the blocks of the whole image, in rows or twiddled.
 	unsigned char* out = nullptr;
 	bool linear = false;
@@ -212,4 +215,19 @@ struct KilnThreadRecord
 	int tag = 0;
 	/// Set by a stage that could not do its work.
 	bool failed = false;
+
+	/// Calls function(row) for every row of the share.
+	template<typename Function>
+	void forEachRow(const Function& function)
+	{
+		int own = firstRow;
+		const auto claim = [this, &own]
+		{
+			return nextRow != nullptr ? nextRow->fetch_add(1, std::memory_order_relaxed) : own++;
+		};
+		for (int row = claim(); row < endRow; row = claim())
+		{
+			function(row);
+		}
+	}
 };

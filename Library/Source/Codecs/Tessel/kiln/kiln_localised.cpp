@@ -43,7 +43,8 @@ bool allocateBlockRows(const KilnSettings& settings, KilnBlockRows& blocks)
 		blocks.resize(static_cast<std::size_t>(settings.blocksY));
 		for (; row < blocks.size(); ++row)
 		{
-			blocks[row].resize(static_cast<std::size_t>(settings.blocksX));
+			// The threads of the statistics fill them.
+			blocks[row].reserve(static_cast<std::size_t>(settings.blocksX));
 		}
 		return true;
 	}
@@ -56,15 +57,15 @@ bool allocateBlockRows(const KilnSettings& settings, KilnBlockRows& blocks)
 	}
 }
 
-/// Runs a stage over bands of rows.
-bool runBands(KilnThreadRoutine routine, const KilnThreadRecord& common, int threads)
+/// Runs a stage over so many rows, which its threads claim one by one, since some take longer than others.
+bool runRows(KilnThreadRoutine routine, const KilnThreadRecord& common, int threads, int rows)
 {
-	const int blocksY = common.settings->blocksY;
+	std::atomic<int> nextRow = 0;
 	std::vector<KilnThreadRecord> pieces(static_cast<std::size_t>(threads), common);
-	for (int t = 0; t < threads; ++t)
+	for (KilnThreadRecord& piece : pieces)
 	{
-		pieces[t].firstRow = t * blocksY / threads;
-		pieces[t].endRow = (t + 1) * blocksY / threads;
+		piece.nextRow = &nextRow;
+		piece.endRow = rows;
 	}
 	return kilnRunStage(routine, pieces);
 }
@@ -167,15 +168,10 @@ bool kilnRunPhase(const KilnThreadRecord& common, int threads, int parity, int t
 {
 	const int blocksY = common.settings->blocksY;
 	const int half = blocksY / 2;
-	std::vector<KilnThreadRecord> pieces(static_cast<std::size_t>(threads), common);
-	for (int t = 0; t < threads; ++t)
-	{
-		pieces[t].parity = parity;
-		pieces[t].tag = tag;
-		pieces[t].firstRow = half * t / threads;
-		pieces[t].endRow = half * (t + 1) / threads;
-	}
-	if (!kilnRunStage(RunAnOptimisePhaseThread, pieces))
+	KilnThreadRecord phase = common;
+	phase.parity = parity;
+	phase.tag = tag;
+	if (!runRows(RunAnOptimisePhaseThread, phase, threads, half))
 	{
 		return false;
 	}
@@ -184,7 +180,7 @@ bool kilnRunPhase(const KilnThreadRecord& common, int threads, int parity, int t
 		return true;
 	}
 	// The last of an odd number of rows is, by wrapping, a neighbour of the first: it waits for all others.
-	std::vector<KilnThreadRecord> last(1, pieces.back());
+	std::vector<KilnThreadRecord> last(1, phase);
 	last[0].firstRow = half;
 	last[0].endRow = half + 1;
 	return kilnRunStage(RunAnOptimisePhaseThread, last);
@@ -220,7 +216,7 @@ int SearchForImageRepresentatives(const KilnImage& image, int wordType, int bpp,
 			kilnEnterPass(settings, level, pass, mean);
 			if (pass == 0)
 			{
-				if (!runBands(RunAGenerateStatsSetThread, common, threads))
+				if (!runRows(RunAGenerateStatsSetThread, common, threads, settings.blocksY))
 				{
 					return 0;
 				}
@@ -241,7 +237,7 @@ int SearchForImageRepresentatives(const KilnImage& image, int wordType, int bpp,
 		}
 		common.out = out;
 		common.linear = linear;
-		return runBands(RunAPackingThread, common, threads) ? 1 : 0;
+		return runRows(RunAPackingThread, common, threads, settings.blocksY) ? 1 : 0;
 	}
 	catch (const std::bad_alloc&)
 	{

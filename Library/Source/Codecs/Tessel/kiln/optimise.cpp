@@ -161,7 +161,7 @@ void optimiseBlock(OptimiseRegion& region, KilnBlockRows& blocks)
 	}
 }
 
-void runPhase(OptimiseRegion& region, const KilnThreadRecord& record)
+void runPhase(OptimiseRegion& region, KilnThreadRecord& record)
 {
 	const KilnSettings& settings = *record.settings;
 	region.settings = &settings;
@@ -169,23 +169,24 @@ void runPhase(OptimiseRegion& region, const KilnThreadRecord& record)
 	InitialiseWindowModel(settings, region.model);
 	InitialisePackedFittingParams(region.params);
 	region.firstPass = settings.iterations <= 1;
-	for (int index = record.firstRow; index < record.endRow; ++index)
-	{
-		const int blockY = 2 * index + record.parity;
-		for (int i = 0; i < settings.blocksX && blockY < settings.blocksY; ++i)
-		{
-			const int blockX = exchangedColumn(i, settings.blocksX);
-			KilnBlock& block = (*record.blocks)[blockY][blockX];
-			if (block.current().error < settings.errorThreshold && !settings.modesChanged)
-			{
-				block.tag = record.tag;
-				continue;
-			}
-			enterBlock(region, record, blockX, blockY);
-			region.limit = trialLimit(block, region.firstPass);
-			optimiseBlock(region, *record.blocks);
-		}
-	}
+	record.forEachRow(
+	    [&](int index)
+	    {
+		    const int blockY = 2 * index + record.parity;
+		    for (int i = 0; i < settings.blocksX && blockY < settings.blocksY; ++i)
+		    {
+			    const int blockX = exchangedColumn(i, settings.blocksX);
+			    KilnBlock& block = (*record.blocks)[blockY][blockX];
+			    if (block.current().error < settings.errorThreshold && !settings.modesChanged)
+			    {
+				    block.tag = record.tag;
+				    continue;
+			    }
+			    enterBlock(region, record, blockX, blockY);
+			    region.limit = trialLimit(block, region.firstPass);
+			    optimiseBlock(region, *record.blocks);
+		    }
+	    });
 }
 } // namespace
 

@@ -178,17 +178,18 @@ void* RunAPackingThread(void* threadRecord)
 	try
 	{
 		const auto space = std::make_unique<KilnPackingSpace>(settings);
-		for (int y = record.firstRow; y < record.endRow; ++y)
-		{
-			for (int x = 0; x < settings.blocksX; ++x)
-			{
-				const KilnWords words = PackLocalBlock(*space, *record.image, settings, *record.blocks, x, y);
-				const auto place = TwiddleUV(numY, numX, static_cast<unsigned>(y), static_cast<unsigned>(x), record.linear ? 1 : 0);
-				unsigned char* out = record.out + std::size_t{8} * place;
-				writeLittleEndian(out, words.modulation);
-				writeLittleEndian(out + 4, words.colours);
-			}
-		}
+		record.forEachRow(
+		    [&](int y)
+		    {
+			    for (int x = 0; x < settings.blocksX; ++x)
+			    {
+				    const KilnWords words = PackLocalBlock(*space, *record.image, settings, *record.blocks, x, y);
+				    const auto place = TwiddleUV(numY, numX, static_cast<unsigned>(y), static_cast<unsigned>(x), record.linear ? 1 : 0);
+				    unsigned char* out = record.out + std::size_t{8} * place;
+				    writeLittleEndian(out, words.modulation);
+				    writeLittleEndian(out + 4, words.colours);
+			    }
+		    });
 	}
 	catch (const std::bad_alloc&)
 	{

@@ -1,7 +1,5 @@
 #include "representable.h"
 
-#include <cmath>
-
 namespace
 {
 /// Alphas at and above which a pair is opaque: that of A, and that of B in the second generation, whose levels lie higher.
@@ -20,7 +18,7 @@ constexpr Widths kTranslucentA = {4, 4, 3};
 constexpr Widths kTranslucentB = {4, 4, 4};
 
 /// To 8 bits through 5, repeating the top bits.
-int expandLevel(int level, int width)
+constexpr int expandLevel(int level, int width)
 {
 	int five = level;
 	if (width == 3)
@@ -41,22 +39,68 @@ enum class Levels
 	odd
 };
 
+constexpr float distance(float value, int level)
+{
+	const float difference = value - static_cast<float>(level);
+	return difference < 0 ? -difference : difference;
+}
+
 /// The nearest of the level below, the level above and 255. Equally near ones give the higher.
-int nearestAlpha(float alpha, Levels levels)
+constexpr int nearestAlpha(float alpha, Levels levels)
 {
 	int fifteenths = static_cast<int>(alpha / 255.0F * 15.0F);
 	fifteenths = levels == Levels::even ? fifteenths & ~1 : fifteenths | 1;
 	const int lower = fifteenths * 17;
 	const int upper = lower + 34;
-	const float toLower = std::fabs(alpha - static_cast<float>(lower));
-	const float toUpper = std::fabs(alpha - static_cast<float>(upper));
-	const float toFull = std::fabs(alpha - static_cast<float>(kFullAlpha));
+	const float toLower = distance(alpha, lower);
+	const float toUpper = distance(alpha, upper);
+	const float toFull = distance(alpha, kFullAlpha);
 	if (toLower < toUpper && toLower < toFull)
 	{
 		return lower;
 	}
 	return toUpper < toFull ? upper : kFullAlpha;
 }
+
+/// The nearest level of a channel to a value between 0 and 255. Equally near ones give the higher.
+constexpr int nearestLevel(float value, int width)
+{
+	const int top = (1 << width) - 1;
+	int level = static_cast<int>(value / 255.0F * static_cast<float>(top));
+	level = level >= top ? top - 1 : level;
+	const int lower = expandLevel(level, width);
+	const int upper = expandLevel(level + 1, width);
+	return distance(value, upper) <= distance(value, lower) ? upper : lower;
+}
+
+/// Levels lie on whole numbers, so that nearest ones change at halves: from a half on up to the next all values have one nearest level.
+constexpr int kHalves = 510;
+using LevelTable = std::array<std::uint8_t, kHalves>;
+
+template<typename Rule>
+constexpr LevelTable makeTable(const Rule& nearest)
+{
+	LevelTable table = {};
+	for (int half = 0; half < kHalves; ++half)
+	{
+		table[static_cast<unsigned>(half)] = static_cast<std::uint8_t>(nearest((static_cast<float>(half) + 0.5F) / 2));
+	}
+	return table;
+}
+
+constexpr LevelTable makeChannelTable(int width)
+{
+	return makeTable([width](float value) { return nearestLevel(value, width); });
+}
+constexpr LevelTable makeAlphaTable(Levels levels)
+{
+	return makeTable([levels](float alpha) { return nearestAlpha(alpha, levels); });
+}
+
+/// By the width less 3.
+constexpr std::array<LevelTable, 3> kChannelTables = {makeChannelTable(3), makeChannelTable(4), makeChannelTable(5)};
+constexpr LevelTable kEvenAlphaTable = makeAlphaTable(Levels::even);
+constexpr LevelTable kOddAlphaTable = makeAlphaTable(Levels::odd);
 
 // The comparisons below are written so that a value that is not a number counts as 0.
 
@@ -66,7 +110,7 @@ int evenAlpha(float alpha)
 	{
 		return 0;
 	}
-	return alpha >= 255 ? kMostTranslucent : nearestAlpha(alpha, Levels::even);
+	return alpha >= 255 ? kMostTranslucent : kEvenAlphaTable[static_cast<unsigned>(alpha * 2)];
 }
 
 int oddAlpha(float alpha)
@@ -75,7 +119,7 @@ int oddAlpha(float alpha)
 	{
 		return kLeastOddAlpha;
 	}
-	return alpha >= 255 ? kFullAlpha : nearestAlpha(alpha, Levels::odd);
+	return alpha >= 255 ? kFullAlpha : kOddAlphaTable[static_cast<unsigned>(alpha * 2)];
 }
 
 std::uint8_t nearestChannel(float value, int width, bool tieTakesUpper)
@@ -88,15 +132,11 @@ std::uint8_t nearestChannel(float value, int width, bool tieTakesUpper)
 	{
 		return 255;
 	}
-	const int top = (1 << width) - 1;
-	int level = static_cast<int>(value / 255.0F * static_cast<float>(top));
-	level = level >= top ? top - 1 : level;
-	const int lower = expandLevel(level, width);
-	const int upper = expandLevel(level + 1, width);
-	const float toLower = std::fabs(value - static_cast<float>(lower));
-	const float toUpper = std::fabs(value - static_cast<float>(upper));
-	const bool takeUpper = toUpper < toLower || (toUpper == toLower && tieTakesUpper);
-	return static_cast<std::uint8_t>(takeUpper ? upper : lower);
+	const float halves = value * 2;
+	int half = static_cast<int>(halves);
+	// At a tie the level below is that of the values below.
+	half -= !tieTakesUpper && static_cast<float>(half) == halves ? 1 : 0;
+	return kChannelTables[static_cast<unsigned>(width - 3)][static_cast<unsigned>(half)];
 }
 } // namespace
 
@@ -145,19 +185,4 @@ KilnColour SnapToRepresentable(const KilnColour& colour)
 	const int width = alpha == kFullAlpha ? 5 : 4;
 	return {nearestChannel(value[0], width, false), nearestChannel(value[1], width, false), nearestChannel(value[2], width, false),
 	        static_cast<std::uint8_t>(alpha)};
-}
-
-KilnColourF ConvertIntPixelToFloat(const KilnColour& colour)
-{
-	return {static_cast<float>(colour[0]), static_cast<float>(colour[1]), static_cast<float>(colour[2]), static_cast<float>(colour[3])};
-}
-
-KilnColourF MixPixelF(const KilnColourF& a, const KilnColourF& b, float weight)
-{
-	KilnColourF mix;
-	for (int c = 0; c < 4; ++c)
-	{
-		mix[c] = a[c] + (b[c] - a[c]) * weight;
-	}
-	return mix;
 }
