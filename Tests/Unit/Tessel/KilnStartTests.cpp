@@ -2,11 +2,17 @@
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <limits>
 #include <random>
 #include <vector>
 
+#include "Codecs/Tessel/kiln/axisorder.h"
 #include "Codecs/Tessel/kiln/initialreps.h"
 #include "Codecs/Tessel/kiln/pickreps.h"
+#include "Simd/SimdLevels.h"
+
+using namespace zortexture;
 
 namespace
 {
@@ -139,6 +145,39 @@ TEST(KilnStart, PartitionsNeverGetWorseAndKnowTheirError)
 	EXPECT_NEAR(ImprovePartition(exact.data(), 5, low, high), 0, 1e-6);
 	EXPECT_EQ(low, 10);
 	EXPECT_EQ(high, 90);
+}
+
+TEST(KilnStart, EveryVectorUnitOrdersAlike)
+{
+	std::mt19937 random(19);
+	for (int count = 0; count <= kKilnMaxWindow; ++count)
+	{
+		KilnAxisValues values;
+		std::fill(std::begin(values.values), std::end(values.values), std::numeric_limits<float>::infinity());
+		// Many are equal.
+		std::generate_n(values.values, count, [&] { return static_cast<float>(random() % (1 + count / 2)) - 7.5F; });
+		const float thresholds[3] = {-20, values.values[0], 1e9F};
+		const auto order = [&](auto level)
+		{
+			std::vector<std::uint8_t> places(static_cast<std::size_t>(count));
+			KilnAxisOrder<level>::rank(values, count, places.data());
+			KilnAxisValues sorted = values;
+			std::sort(sorted.values, sorted.values + count);
+			int counts[3];
+			KilnAxisOrder<level>::countBelow(sorted, count, thresholds, counts);
+			places.insert(places.end(), std::begin(counts), std::end(counts));
+			return places;
+		};
+		const auto inUse = [&order]
+		{
+			return withSimdLevel(order);
+		};
+		const std::vector<std::uint8_t> expected = atSimdLevel(eSimdPlain, inUse);
+		for (const ESimdLevel level : kVectorLevels)
+		{
+			ASSERT_EQ(atSimdLevel(level, inUse), expected) << count << " level " << level;
+		}
+	}
 }
 
 TEST(KilnStart, FlatImagesStartWithTheirColour)

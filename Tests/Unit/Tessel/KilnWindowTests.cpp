@@ -1,9 +1,14 @@
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
+#include <string>
 #include <vector>
 
 #include "Codecs/Tessel/kiln/analygrapprop.h"
 #include "Codecs/Tessel/kiln/paletteentries.h"
+#include "Simd/SimdLevels.h"
+
+using namespace zortexture;
 
 namespace
 {
@@ -95,6 +100,76 @@ TEST(KilnWindow, SlopesJoinAlongTheirStraightDirection)
 	}
 	regionsOf(window, settings, count);
 	EXPECT_GT(count, 100);
+}
+
+// A slow restatement: pixel by pixel from a stack.
+TEST(KilnWindow, RegionsAreWhatAFloodReaches)
+{
+	std::mt19937 random(8);
+	for (int round = 0; round < 200; ++round)
+	{
+		KilnSettings settings = settingsOf(round % 2 == 0 ? 4 : 2);
+		settings.punchThrough = round % 3 == 0;
+		const int width = settings.windowWidth;
+		const int height = settings.windowHeight;
+		const unsigned step = random() % 6;
+		Window window;
+		for (KilnColour& pixel : window)
+		{
+			const auto channel = [&random, step]
+			{
+				return static_cast<std::uint8_t>(100 + random() % (1 + 2 * step));
+			};
+			pixel = {channel(), channel(), channel(), random() % 4 == 0 ? std::uint8_t{0} : channel()};
+		}
+		const auto isFlat = [&](int pixel, int axis)
+		{
+			const int inner = std::clamp(pixel / width, 1, height - 2) * width + std::clamp(pixel % width, 1, width - 2);
+			int sum = 0;
+			for (int c = 0; c < 4; ++c)
+			{
+				const int bend = window[inner - axis][c] + window[inner + axis][c] - 2 * window[inner][c];
+				sum += bend * bend;
+			}
+			return sum < 17;
+		};
+		std::string expected(static_cast<std::size_t>(settings.windowPixels()), '\0');
+		int regions = 0;
+		for (int seed = 0; seed < settings.windowPixels(); ++seed)
+		{
+			std::vector<int> stack;
+			if (expected[seed] == 0)
+			{
+				expected[seed] = static_cast<char>('a' + regions++);
+				stack.push_back(seed);
+			}
+			while (!stack.empty())
+			{
+				const int from = stack.back();
+				stack.pop_back();
+				for (int pixel = 0; pixel < settings.windowPixels(); ++pixel)
+				{
+					const int dx = std::abs(pixel % width - from % width);
+					const int dy = std::abs(pixel / width - from / width);
+					const bool clear = settings.punchThrough && window[pixel][3] == 0 && window[seed][3] == 0;
+					if (expected[pixel] == 0 && dx <= 1 && dy <= 1 &&
+					    (SQColDist(window[pixel], window[seed]) < 17 || clear || (dy == 0 && isFlat(pixel, 1)) ||
+					     (dx == 0 && isFlat(pixel, width))))
+					{
+						expected[pixel] = expected[seed];
+						stack.push_back(pixel);
+					}
+				}
+			}
+		}
+		for (const ESimdLevel level : {eSimdPlain, eSimdSse2, eSimdAvx2})
+		{
+			const ForcedSimdLevel forced(level);
+			int count = 0;
+			ASSERT_EQ(regionsOf(window, settings, count), expected) << round << " level " << level;
+			EXPECT_EQ(kilnIsGraphics(window.data(), settings), 4 * count < settings.windowPixels());
+		}
+	}
 }
 
 TEST(KilnWindow, TransparentPixelsAreOneRegionWhenPunchedThrough)

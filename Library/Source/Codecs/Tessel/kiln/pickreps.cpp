@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <limits>
 #include <utility>
 
+#include "axisorder.h"
 #include "representable.h"
+
+using namespace zortexture;
 
 namespace
 {
@@ -46,24 +50,32 @@ struct Ends
 /// Where the second, third and fourth run of a partition begin.
 using Boundaries = std::array<int, 3>;
 
-/// Moves boundaries to where the nearest of the four levels between two ends changes. They rarely move far.
-void moveBoundaries(const KilnPixelInfo* pixels, int count, const Ends& ends, Boundaries& boundaries)
+/// The sorted projections, and how they are counted.
+struct SortedProjections
+{
+	KilnAxisValues values;
+	int count;
+	decltype(&KilnAxisOrder<eSimdPlain>::countBelow) countBelow;
+};
+
+void padValues(KilnAxisValues& values, int count)
+{
+	std::fill(values.values + count, values.values + KilnAxisValues::kCapacity, std::numeric_limits<float>::infinity());
+}
+
+/// Where the nearest of the four levels between two ends changes.
+Boundaries boundariesOf(const SortedProjections& projections, const Ends& ends)
 {
 	// Midway between the levels.
 	constexpr std::array<float, 3> kThresholds = {0.1875F, 0.5F, 0.8125F};
-	for (int i = 0; i < 3; ++i)
+	float thresholds[3];
+	for (unsigned i = 0; i < 3; ++i)
 	{
-		const float threshold = ends.low + (ends.high - ends.low) * kThresholds[i];
-		int& boundary = boundaries[i];
-		while (boundary < count && pixels[boundary].projection < threshold)
-		{
-			++boundary;
-		}
-		while (boundary > 0 && !(pixels[boundary - 1].projection < threshold))
-		{
-			--boundary;
-		}
+		thresholds[i] = ends.low + (ends.high - ends.low) * kThresholds[i];
 	}
+	int counts[3];
+	projections.countBelow(projections.values, projections.count, thresholds, counts);
+	return {counts[0], counts[1], counts[2]};
 }
 
 /// The pixels nearest to each of the four levels between two ends.
@@ -167,14 +179,14 @@ private:
 	std::size_t m_count = 0;
 };
 
-/// @param boundaries  where to look for the boundaries first; as they are left.
-/// @param visited     when not null, gives the start up with an error beyond all others once it comes upon a partition in there.
-double improvePartition(const KilnPixelInfo* pixels, int count, Ends& ends, Boundaries& boundaries, VisitedPartitions* visited)
+/// @param visited  when not null, gives the start up with an error beyond all others once it comes upon a partition in there.
+double improvePartition(const KilnPixelInfo* pixels, const SortedProjections& projections, Ends& ends, VisitedPartitions* visited)
 {
+	const int count = projections.count;
 	Boundaries last = {-1, -1, -1};
 	for (;;)
 	{
-		moveBoundaries(pixels, count, ends, boundaries);
+		const Boundaries boundaries = boundariesOf(projections, ends);
 		if (visited != nullptr && boundaries != last && !visited->insert(boundaries))
 		{
 			return DBL_MAX;
@@ -192,22 +204,13 @@ double improvePartition(const KilnPixelInfo* pixels, int count, Ends& ends, Boun
 	}
 }
 
-/// A pixel that waits to be sorted.
-struct PlacedPixel
-{
-	float projection;
-	int pixel;
-};
-
-int OrderPixelInfo(const PlacedPixel& a, const PlacedPixel& b)
-{
-	return a.projection < b.projection ? -1 : static_cast<int>(a.projection > b.projection);
-}
-
 /// Lists the pixels that count, sorted along the axis, with their sums.
-int listPixels(const KilnSettings& settings, const KilnColour* window, const float* weights, const KilnVector& axis, PixelInfos& pixels)
+template<ESimdLevel level>
+int listPixels(const KilnSettings& settings, const KilnColour* window, const float* weights, const KilnVector& axis, PixelInfos& pixels,
+               SortedProjections& projections)
 {
-	std::array<PlacedPixel, kKilnMaxWindow> placed;
+	KilnAxisValues places;
+	std::array<int, kKilnMaxWindow> counted;
 	int count = 0;
 	for (int i = 0; i < settings.windowPixels(); ++i)
 	{
@@ -220,15 +223,27 @@ int listPixels(const KilnSettings& settings, const KilnColour* window, const flo
 		{
 			projection += axis[c] * static_cast<float>(window[i][c]);
 		}
-		placed[count++] = {projection, i};
+		places.values[count] = projection;
+		counted[count++] = i;
 	}
-	std::array<PlacedPixel, kKilnMaxWindow> scratch;
-	zormergesort(placed.data(), scratch.data(), static_cast<std::size_t>(count), OrderPixelInfo);
+	padValues(places, count);
+	std::array<std::uint8_t, kKilnMaxWindow> ranks;
+	KilnAxisOrder<level>::rank(places, count, ranks.data());
+	std::array<int, kKilnMaxWindow> order;
+	for (int i = 0; i < count; ++i)
+	{
+		order[ranks[i]] = counted[i];
+		projections.values.values[ranks[i]] = places.values[i];
+	}
+	padValues(projections.values, count);
+	projections.count = count;
+	projections.countBelow = KilnAxisOrder<level>::countBelow;
 
 	RunSums sums;
 	for (int i = 0; i < count; ++i)
 	{
-		const auto [projection, pixel] = placed[i];
+		const int pixel = order[i];
+		const float projection = projections.values.values[i];
 		const float size = std::fabs(weights[pixel]);
 		const double weight = size;
 		sums.weight += weight;
@@ -267,13 +282,13 @@ Ends outerMeans(const PixelInfos& pixels, int count)
 }
 
 /// The ends with the least error, from the outer means and from a grid of starts; the earlier of equals.
-Ends findEnds(const PixelInfos& pixels, int count)
+Ends findEnds(const PixelInfos& pixels, const SortedProjections& projections)
 {
+	const int count = projections.count;
 	VisitedPartitions visited;
-	Boundaries boundaries = {};
 	const auto improve = [&](Ends& ends)
 	{
-		return improvePartition(pixels.data(), count, ends, boundaries, &visited);
+		return improvePartition(pixels.data(), projections, ends, &visited);
 	};
 	Ends best = outerMeans(pixels, count);
 	if (best.low == best.high)
@@ -348,8 +363,15 @@ double ImprovePartition(const KilnPixelInfo* pixels, int count, float& low, floa
 		return 0;
 	}
 	Ends ends = {low, high};
-	Boundaries boundaries = {};
-	const double error = improvePartition(pixels, count, ends, boundaries, nullptr);
+	SortedProjections projections;
+	projections.count = count;
+	projections.countBelow = KilnAxisOrder<eSimdPlain>::countBelow;
+	for (int i = 0; i < count; ++i)
+	{
+		projections.values.values[i] = pixels[i].projection;
+	}
+	padValues(projections.values, count);
+	const double error = improvePartition(pixels, projections, ends, nullptr);
 	low = ends.low;
 	high = ends.high;
 	return error;
@@ -359,7 +381,8 @@ KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, const 
                                             const KilnVector& axis)
 {
 	PixelInfos pixels;
-	const int count = listPixels(settings, window, weights, axis, pixels);
+	SortedProjections projections;
+	const int count = withSimdLevel([&](auto level) { return listPixels<level>(settings, window, weights, axis, pixels, projections); });
 	KilnColourF a = {};
 	KilnColourF b = {};
 	if (count > 0)
@@ -373,7 +396,7 @@ KilnPair PickRepsByProjectingPixelsOntoAxis(const KilnSettings& settings, const 
 		}
 		else
 		{
-			const Ends ends = findEnds(pixels, count);
+			const Ends ends = findEnds(pixels, projections);
 			const float cutA = std::clamp(0.8125F * ends.low + 0.1875F * ends.high, ends.low, ends.high);
 			const float cutB = std::clamp(0.1875F * ends.low + 0.8125F * ends.high, ends.low, ends.high);
 			a = meanColour(begin, std::partition_point(begin, end, [cutA](const KilnPixelInfo& p) { return p.projection <= cutA; }),

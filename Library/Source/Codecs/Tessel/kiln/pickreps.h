@@ -19,7 +19,7 @@ struct KilnPixelInfo
 
 /// Moves two ends until the four levels between them, at 0, 3/8, 5/8 and 1, stand for the projections with the least squared error
 /// that is to be had from here.
-/// @param pixels  at least one, sorted by projection, sums filled in.
+/// @param pixels  at least one and at most kKilnMaxWindow, sorted by projection, sums filled in.
 /// @param low     not above high, both within the projections, as they are left.
 /// @return the mean squared error; 0 for one pixel or equal ends, which stay.
 double ImprovePartition(const KilnPixelInfo* pixels, int count, float& low, float& high);
