@@ -212,11 +212,7 @@ TEST(KilnThreads, BytesAreTheSameOnAnyProcessor)
 	{
 		zortexture::ESimdLevel level;
 		int cores;
-	} cases[] = {{zortexture::eSimdSse2, 1},
-	             {zortexture::eSimdAvx2, 1},
-	             {zortexture::eSimdPlain, 3},
-	             {zortexture::eSimdAvx2, 2},
-	             {zortexture::eSimdAvx2, 8}};
+	} cases[] = {{zortexture::eSimdSse2, 1}, {zortexture::eSimdAvx2, 2}, {zortexture::eSimdAvx2, 8}};
 	for (const KilnImage& image : images)
 	{
 		for (const int bpp : {2, 4})
@@ -310,7 +306,7 @@ TEST(KilnDriver, QualityStandsAboveTheFastCompressor)
 {
 	for (const bool alpha : {false, true})
 	{
-		const KilnImage image = picture(48, 48, alpha);
+		const KilnImage image = picture(32, 32, alpha);
 		for (const int bpp : {2, 4})
 		{
 			for (const unsigned version : {0U, 1U})
@@ -318,7 +314,7 @@ TEST(KilnDriver, QualityStandsAboveTheFastCompressor)
 				std::vector<unsigned char> blocks(image.pixels.size() * bpp / 8);
 				const auto quality = [&](unsigned number)
 				{
-					const unsigned side = 48;
+					const unsigned side = 32;
 					EXPECT_EQ(zortexture::TesselCompress(image.pixels.data(), blocks.data(), side, side, true, bpp == 2, version, number),
 					          blocks.size());
 					return psnr(image, blocks, bpp, static_cast<int>(version), version == 1);
