@@ -118,6 +118,16 @@ ZORT_CHANGE_8(
 ZORT_CHANGE_16(flip_x16, "Flip x", [](CZORTexture& texture) { return Flip(texture, eAxis_X); });
 ZORT_CHANGE_8(
     rotate, "Rotate90 z", [](CZORTexture& texture) { return Rotate90(texture, eAxis_Z, true); }, 0);
+void rotateLarge(benchmark::State& state)
+{
+	CZORTexture texture{CZORTextureHeader(ZORStandard8PixelType.id, 4096, 4096)};
+	for (auto _ : state)
+	{
+		benchmark::DoNotOptimize(Rotate90(texture, eAxis_Z, true));
+	}
+	bench::countPixels(state, texture.getTextureSize());
+}
+BENCHMARK(rotateLarge)->Name("pixels/Rotate90 z rgba8, 4096 x 4096")->Unit(benchmark::kMillisecond);
 ZORT_CHANGE_8(set, "SetChannels", setChannels, 60);
 ZORT_CHANGE_16(set16, "SetChannels", setChannels);
 ZORT_CHANGE_8(copy, "CopyChannels", permuteChannels, 60);

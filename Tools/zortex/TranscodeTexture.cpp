@@ -30,8 +30,8 @@ void forEachImage(const CZORTextureHeader& texture, Function function)
 	}
 }
 
-/// Runs one direction of the DXT codec on every image of a texture, which becomes one of `format`.
-bool codeDXT(CZORTexture& texture, decltype(&DXTCompress) code, unsigned int number, PixelType format)
+/// Runs one direction of the DXT codec on every image of a texture into one of `format`, which may be the same object.
+bool codeDXT(const CZORTexture& texture, CZORTexture& result, decltype(&DXTCompress) code, unsigned int number, PixelType format)
 {
 	CZORTextureHeader header(texture.getHeader());
 	header.setPixelFormat(format);
@@ -49,7 +49,7 @@ bool codeDXT(CZORTexture& texture, decltype(&DXTCompress) code, unsigned int num
 		                                             texture.getWidth(level), texture.getHeight(level), number);
 		             isWhole = isWhole && bytes == coded.getDataSize(static_cast<int>(level), false, false);
 	             });
-	texture = std::move(coded);
+	result = std::move(coded);
 	return isWhole;
 }
 
@@ -84,8 +84,11 @@ bool transcodeInto(const CZORTexture& source, CZORTexture& result, PixelType tar
 	{
 		return TranscodeInto(source, result, target, type, space, static_cast<ECompressorQuality>(quality), dither);
 	}
-	result = source;
-	if (sourceNumber != 0 && !codeDXT(result, DXTDecompress, sourceNumber, ZORStandard8PixelType))
+	if (sourceNumber == 0)
+	{
+		result = source;
+	}
+	else if (!codeDXT(source, result, DXTDecompress, sourceNumber, ZORStandard8PixelType))
 	{
 		return false;
 	}
@@ -95,6 +98,6 @@ bool transcodeInto(const CZORTexture& source, CZORTexture& result, PixelType tar
 	}
 	// The stages of the pipeline before its encoder, and then ours.
 	return (!dither || ditherTexture(result, target)) && Transcode(result, ZORStandard8PixelType, eVT_UnsignedByteNorm, space) &&
-	       codeDXT(result, DXTCompress, targetNumber, target);
+	       codeDXT(result, result, DXTCompress, targetNumber, target);
 }
 } // namespace zortex

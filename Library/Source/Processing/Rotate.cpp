@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -34,6 +35,33 @@ TurnedLayout turnedLayout(std::ptrdiff_t width, std::ptrdiff_t height, std::ptrd
 		               : TurnedLayout{(width - 1) * height, -height, 1, width * height};
 	}
 }
+/// Turns an image about z, a small square at a time: by whole rows or columns either the reads or the writes would come to a new line of
+/// the cache with every pixel, and in large images to a new page.
+template<typename T>
+void turnPlanes(const Pixel<T>* source, Pixel<T>* destination, unsigned int width, unsigned int height, unsigned int depth,
+                const TurnedLayout& layout)
+{
+	constexpr unsigned int kSide = 16;
+	for (unsigned int z = 0; z < depth; ++z, source += std::size_t{width} * height)
+	{
+		for (unsigned int top = 0; top < height; top += kSide)
+		{
+			const unsigned int bottom = top + std::min(kSide, height - top);
+			for (unsigned int left = 0; left < width; left += kSide)
+			{
+				const unsigned int right = left + std::min(kSide, width - left);
+				for (unsigned int x = left; x < right; ++x)
+				{
+					std::ptrdiff_t index = layout.start + x * layout.strideX + top * layout.strideY + z * layout.strideZ;
+					for (unsigned int y = top; y < bottom; ++y, index += layout.strideY)
+					{
+						destination[index] = source[std::size_t{y} * width + x];
+					}
+				}
+			}
+		}
+	}
+}
 } // namespace
 
 template<typename T>
@@ -45,6 +73,11 @@ bool Rotate90(Pixel<T>* source, Pixel<T>* destination, const unsigned int& width
 		return false;
 	}
 	const TurnedLayout layout = turnedLayout(width, height, depth, axis, forward);
+	if (axis == eAxis_Z)
+	{
+		turnPlanes(source, destination, width, height, depth, layout);
+		return true;
+	}
 	// About y the turned image takes the width for its height, so a tall image has pixels without a place in it.
 	const std::ptrdiff_t turnedSize = std::ptrdiff_t{width} * depth * (axis == eAxis_Y ? width : height);
 	Pixel<T>* pixel = source;
@@ -55,11 +88,7 @@ bool Rotate90(Pixel<T>* source, Pixel<T>* destination, const unsigned int& width
 			std::ptrdiff_t index = layout.start + y * layout.strideY + z * layout.strideZ;
 			for (unsigned int x = 0; x < width; ++x, ++pixel, index += layout.strideX)
 			{
-				if (axis == eAxis_Z)
-				{
-					destination[index] = *pixel;
-				}
-				else if (index < turnedSize)
+				if (index < turnedSize)
 				{
 					*pixel = destination[index];
 				}

@@ -54,6 +54,29 @@ TEST(Geometry, KnownAnswersOfRotate90)
 	           });
 }
 
+TEST(Geometry, Rotate90TakesEveryPixelOfSeveralSquares)
+{
+	constexpr unsigned int kWidth = 37;
+	constexpr unsigned int kHeight = 50;
+	std::vector<Pixel<float>> source(kWidth * kHeight * 2);
+	for (std::size_t i = 0; i < source.size(); ++i)
+	{
+		source[i].r = static_cast<float>(i);
+	}
+	for (const bool isForward : {false, true})
+	{
+		std::vector<Pixel<float>> turned(source.size());
+		ASSERT_TRUE(Rotate90(source.data(), turned.data(), kWidth, kHeight, 2, eAxis_Z, isForward));
+		for (unsigned int i = 0; i < source.size(); ++i)
+		{
+			const unsigned int x = i % kWidth;
+			const unsigned int y = i / kWidth % kHeight;
+			const unsigned int row = i / (kWidth * kHeight) * kWidth + (isForward ? x : kWidth - 1 - x);
+			ASSERT_EQ(turned[row * kHeight + (isForward ? kHeight - 1 - y : y)].r, source[i].r) << i;
+		}
+	}
+}
+
 TEST(Geometry, KnownAnswersOfResizeCanvas)
 {
 	const Shape shape = {3, 2, 1, 2};
