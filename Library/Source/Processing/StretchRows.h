@@ -45,19 +45,15 @@ std::vector<float> fractionsOfChannels(const std::vector<AxisTaps<Count>>& taps)
 	return fractions;
 }
 
-/// Whether each sample lies in the middle between two pixels of its own, on an axis of `size` pixels.
+/// Whether each sample lies in the middle between two pixels of its own. The taps of splines beyond these are their neighbours then,
+/// or, at the ends, the same pixels.
 template<unsigned int Count>
-bool isHalving(const std::vector<AxisTaps<Count>>& taps, std::size_t size)
+bool isHalving(const std::vector<AxisTaps<Count>>& taps)
 {
 	for (std::size_t i = 0; i < taps.size(); ++i)
 	{
-		const std::size_t middle[2] = {2 * i, 2 * i + 1};
-		const AxisTaps<Count>& pixel = taps[i];
-		if (pixel.fraction != 0.5f || !std::equal(middle, middle + 2, pixel.index + Count / 2 - 1))
-		{
-			return false;
-		}
-		if (Count == 4 && (pixel.index[0] != (i == 0 ? 0 : 2 * i - 1) || pixel.index[Count - 1] != std::min(2 * i + 2, size - 1)))
+		const std::size_t* middle = taps[i].index + Count / 2 - 1;
+		if (taps[i].fraction != 0.5f || middle[0] != 2 * i || middle[1] != 2 * i + 1)
 		{
 			return false;
 		}
@@ -70,7 +66,7 @@ void stretchLinearRows(const Pixel<T>* source, Pixel<T>* destination, const Stre
 {
 	constexpr bool isSmallInteger = sizeof(T) < 4;
 	const std::size_t width = step.x.size();
-	const bool isHalvingX = isHalving(step.x, step.width);
+	const bool isHalvingX = isHalving(step.x);
 	const std::vector<float> fractions = fractionsOfChannels(step.x);
 	const RowTaps<2> tapsX = {step.x.data(), fractions.data(), width};
 	RowCache cache(std::is_same_v<T, float> ? 0 : 4, step.width);
@@ -199,8 +195,8 @@ private:
 template<typename T>
 struct CubicShortcuts
 {
-	CubicShortcuts(const std::vector<CubicTaps>& x, std::size_t size)
-	    : isMiddleAlong(sizeof(T) < 4 && isHalving(x, size)),
+	explicit CubicShortcuts(const std::vector<CubicTaps>& x)
+	    : isMiddleAlong(sizeof(T) < 4 && isHalving(x)),
 	      isMiddleAcross(
 	          sizeof(T) == 1 &&
 	          std::all_of(x.begin(), x.end(), [](const CubicTaps& taps) { return taps.fraction == 0.5f || taps.fraction == 0.0f; }))
@@ -219,7 +215,7 @@ void stretchCubicRows(const Pixel<T>* source, Pixel<T>* destination, const Stret
 	const std::size_t width = step.x.size();
 	const std::vector<float> fractions = fractionsOfChannels(step.x);
 	const RowTaps<4> tapsX = {step.x.data(), fractions.data(), width};
-	const CubicShortcuts<T> shortcuts(step.x, step.width);
+	const CubicShortcuts<T> shortcuts(step.x);
 	const unsigned int numSlices = step.depth == 1 ? 1 : 4;
 	SourceRows<level, T> sourceRows(source, step.width, step.height, step.depth, isSmoothed);
 	RowCache cache(numSlices * std::size_t{4}, width);
