@@ -26,7 +26,7 @@ public:
 
 	CZORTexture(const CZORTexture& other);
 	/// Like a copy, but takes the other texture's block over and leaves it without data.
-	CZORTexture(CZORTexture&& other);
+	CZORTexture(CZORTexture&& other); // NOLINT(performance-noexcept-move-constructor): the header is copied
 
 	/// Loads a file; the extension alone picks the format: ktx, dds, astc (in any case), and native for all others.
 	/// Nothing is reported: test getDataPtr(0, 0, 0) against null. A file cut off in its pixels leaves zeroes at the end.
@@ -38,7 +38,7 @@ public:
 
 	CZORTexture& operator=(const CZORTexture& other);
 	/// Like a copy, but takes the other texture's block over and leaves it without data.
-	CZORTexture& operator=(CZORTexture&& other);
+	CZORTexture& operator=(CZORTexture&& other); // NOLINT(performance-noexcept-move-constructor)
 	~CZORTexture();
 
 	/// This texture's description.

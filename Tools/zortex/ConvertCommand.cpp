@@ -124,21 +124,17 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
                    ConvertReport& report)
 {
 	// A decoded texture has nothing lost to measure; otherwise the original must last.
-	const bool isMeasured = !texture.getPixelType().isCompressed() || target.pixelType.isCompressed();
 	const PixelType sourceType = texture.getPixelType();
-	CZORTexture original;
-	if (isMeasured)
-	{
-		original = std::move(texture);
-	}
+	const bool isMeasured = !sourceType.isCompressed() || target.pixelType.isCompressed();
+	CZORTexture measuredResult;
+	CZORTexture& result = isMeasured ? measuredResult : texture;
 	progress.say((target.pixelType.isCompressed() ? "encoding to " : "converting to ") + formatName(target.pixelType, target.type));
 
 	const auto start = std::chrono::steady_clock::now();
 	bool isConverted = false;
 	{
 		const StandardOutputGuard guard; // some codecs print debug lines there
-		isConverted = transcodeInto(isMeasured ? original : texture, texture, target.pixelType, target.type, target.space, target.quality,
-		                            target.dither);
+		isConverted = transcodeInto(texture, result, target.pixelType, target.type, target.space, target.quality, target.dither);
 	}
 	report.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 	if (!isConverted)
@@ -151,7 +147,8 @@ void convertPixels(CZORTexture& texture, const Target& target, const ConvertOpti
 	if (isMeasured)
 	{
 		progress.say("measuring");
-		report.measurement = compareTextures(original, texture);
+		report.measurement = compareTextures(texture, result);
+		texture = std::move(result);
 	}
 }
 
