@@ -28,8 +28,15 @@ inline void gatherTexels(const unsigned char* image, std::size_t width, std::siz
 	std::size_t rows[4];
 	sourcePositions(x, width, columns);
 	sourcePositions(y, height, rows);
+	const std::size_t rowBytes = 4 * texelBytes;
 	for (const std::size_t row : rows)
 	{
+		if (x + 4 <= width)
+		{
+			std::memcpy(texels, image + (row * width + x) * texelBytes, rowBytes);
+			texels += rowBytes;
+			continue;
+		}
 		for (const std::size_t column : columns)
 		{
 			std::memcpy(texels, image + (row * width + column) * texelBytes, texelBytes);

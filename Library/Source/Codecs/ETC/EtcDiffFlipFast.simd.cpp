@@ -84,7 +84,7 @@ ZORT_INLINE HalfColours foldPairs(const EtcTexelPairs& texels, Fold fold)
 /// Products below 65536 of numbers that are not negative.
 ZORT_INLINE Quad smallProduct(Quad a, Quad b)
 {
-	return as<std::int32_t>(as<std::int16_t>(a) * as<std::int16_t>(b));
+	return as<std::int32_t>(as<std::uint16_t>(a) * as<std::uint16_t>(b));
 }
 
 ZORT_INLINE Quad expand5Bits(Quad level)

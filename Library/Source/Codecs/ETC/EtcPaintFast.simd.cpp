@@ -152,7 +152,7 @@ unsigned int matchPaintsFast(const EtcTexelPairs& texels, const unsigned char (&
 			}
 			else
 			{
-				const I32 squares = as<std::int32_t>(redGreen * redGreen);
+				const I32 squares = as<std::int32_t>(as<std::uint16_t>(redGreen) * as<std::uint16_t>(redGreen));
 				error = (squares & I32::filled(0xFFFF)) * I32::filled(299) +
 				        as<std::int32_t>(as<std::uint32_t>(squares) >> 16) * I32::filled(587) +
 				        sumsOfProducts(blue, blue) * I32::filled(114);

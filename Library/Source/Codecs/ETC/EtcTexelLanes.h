@@ -112,8 +112,7 @@ struct ChannelSquares
 
 	ZORT_INLINE void add(Pairs redGreen, Pairs blue)
 	{
-		// Squares are below 65536: as 16-bit products they lack only their sign.
-		const Sums squares = as<std::int32_t>(redGreen * redGreen);
+		const Sums squares = as<std::int32_t>(as<std::uint16_t>(redGreen) * as<std::uint16_t>(redGreen)); // below 65536
 		sums[0] += squares & Sums::filled(0xFFFF);
 		sums[1] += as<std::int32_t>(as<std::uint32_t>(squares) >> 16);
 		sums[2] += sumsOfProducts(blue, blue);
