@@ -2,6 +2,7 @@
 // order, but most sets are never looked at: a lower bound of their error shows that they cannot win.
 
 #include <algorithm>
+#include <bit>
 #include <iterator>
 #include <limits>
 
@@ -41,6 +42,45 @@ int ordered(std::uint16_t value, bool isSigned)
 	return isSigned ? value ^ 0x8000 : value;
 }
 
+/// What the steps decode to: those that bases lie at, and one more at each end, where values are clamped.
+class StepValues
+{
+public:
+	static constexpr int kFirst = -1;
+	static constexpr int kLast = 256;
+
+	explicit StepValues(bool isSigned)
+	{
+		for (int step = kFirst; step <= kLast; ++step)
+		{
+			// Table 13 holds the modifiers -1 at index 3 and 0 at index 4. Signed values of base 0 lie a step higher.
+			const bool isClamped = step < (isSigned ? 1 : 0);
+			const std::uint16_t value = isClamped     ? get16bits11bits(0, 13, 15, 3, isSigned)
+			                            : step == 256 ? get16bits11bits(255, 13, 15, 7, isSigned)
+			                                          : get16bits11bits(step, 13, 1, 4, isSigned);
+			values[step - kFirst] = value;
+			m_ordered[step - kFirst] = ordered(value, isSigned);
+		}
+	}
+
+	/// In the order of magnitude, for any step.
+	int orderedAt(int step) const
+	{
+		return m_ordered[std::clamp(step, kFirst, kLast) - kFirst];
+	}
+
+	std::uint16_t values[kLast - kFirst + 1];
+
+private:
+	int m_ordered[kLast - kFirst + 1];
+};
+
+const StepValues& stepValues(bool isSigned)
+{
+	static const StepValues both[2] = {StepValues(false), StepValues(true)};
+	return both[isSigned ? 1 : 0];
+}
+
 /// The parameters of a block.
 struct Parameters
 {
@@ -56,8 +96,8 @@ class Search
 {
 public:
 	Search(const std::uint16_t (&texels)[16], bool isSigned, const std::uint16_t* valueTable)
-	    : m_texels(texels), m_isSigned(isSigned), m_valueTable(valueTable),
-	      m_distances(texels, -1, 256, [this](int step) { return valueOf(step); })
+	    : m_texels(texels), m_isSigned(isSigned), m_valueTable(valueTable), m_steps(stepValues(isSigned)),
+	      m_distances(texels, m_steps.values, StepValues::kFirst, StepValues::kLast)
 	{
 		for (unsigned int i = 0; i < 16; ++i)
 		{
@@ -100,19 +140,9 @@ public:
 private:
 	using Distances = EacDistances<level>;
 	static constexpr int kFirstStep = Distances::kFirstStep;
-	static constexpr int kStepCount = Distances::kLastStep - kFirstStep + 1;
+	static constexpr int kStepCount = Distances::kStepCount;
+	static constexpr int kReach = 2;
 	static constexpr int kUnreachable = std::numeric_limits<int>::max() / 2;
-
-	std::uint16_t valueOf(int step) const
-	{
-		// Table 13 holds the modifiers 0 and -1; a base just inside reaches the ends, where it is clamped.
-		if (step <= 0)
-		{
-			return m_valueTable[getPremulIndex(0, 13, step < 0 || m_isSigned ? 15 : 1, step < 0 || m_isSigned ? 3 : 4)];
-		}
-		return step > 255 ? m_valueTable[getPremulIndex(255, 13, 15, 7)]
-		                  : m_valueTable[getPremulIndex(static_cast<std::uint32_t>(step), 13, 1, 4)];
-	}
 
 	/// Steps between whose values all texels lie, whatever the rounding of the values.
 	int enclosingLow() const
@@ -168,13 +198,27 @@ private:
 		m_bestSet = set;
 	}
 
+	/// The best error, as far as sums can reach.
+	int limit() const
+	{
+		return static_cast<int>(std::min<std::int64_t>(m_bestError, std::numeric_limits<int>::max()));
+	}
+
+	/// Whether any table could win with a base up to kReach from this one. From base to base a value moves by at most 257.
+	bool isHopefulAround(unsigned int base, int multiplier) const
+	{
+		int errors[16];
+		return EacSums<level>::tableErrors(m_distances.row(centreOf(base)), multiplier, kReach * 257, limit(), errors) != 0;
+	}
+
 	/// All tables.
 	void tryCoarse(unsigned int base, int multiplier)
 	{
 		int errors[16];
-		EacSums<level>::tableErrors(m_distances.row(centreOf(base)), multiplier, errors);
-		for (unsigned int table = 0; table < 16; ++table)
+		unsigned int within = EacSums<level>::tableErrors(m_distances.row(centreOf(base)), multiplier, 0, limit(), errors);
+		for (; within != 0; within &= within - 1)
 		{
+			const auto table = static_cast<unsigned int>(std::countr_zero(within));
 			consider(errors[table], base, table, static_cast<unsigned int>(multiplier));
 		}
 	}
@@ -256,7 +300,7 @@ private:
 
 	int orderedStep(int row) const
 	{
-		return ordered(valueOf(std::clamp(row + kFirstStep, -1, 256)), m_isSigned);
+		return m_steps.orderedAt(row + kFirstStep);
 	}
 
 	/// The least error of any values from step `first` to `last`.
@@ -289,14 +333,37 @@ private:
 		{
 			return;
 		}
-		for (int base = first; base <= last && base <= lastBase(); ++base)
+		unsigned int nextBound = Distances::boundOf(first, multiplier);
+		const auto mayWinNext = [&](int base)
 		{
 			const int centre = centreOf(static_cast<unsigned int>(base));
-			const int error =
-			    std::max(bounds[Distances::boundOf(centre, multiplier)], outside(centre - 15 * multiplier, centre + 14 * multiplier));
-			if (mayWin(error, static_cast<unsigned int>(base), static_cast<unsigned int>(multiplier)))
+			const int bound = bounds[centre == base ? nextBound : Distances::boundOf(centre, multiplier)];
+			nextBound = nextBound + 1 == static_cast<unsigned int>(multiplier) ? 0 : nextBound + 1;
+			const int error = std::max(bound, outside(centre - 15 * multiplier, centre + 14 * multiplier));
+			return mayWin(error, static_cast<unsigned int>(base), static_cast<unsigned int>(multiplier));
+		};
+		for (int base = first; base <= last && base <= lastBase(); ++base)
+		{
+			if (!mayWinNext(base))
 			{
-				tryCoarse(static_cast<unsigned int>(base), multiplier);
+				continue;
+			}
+			// Few bases win, and neighbours are much alike: several at once are ruled out by the one in their middle.
+			int candidates[2 * kReach + 1] = {base};
+			unsigned int count = 1;
+			const auto middle = static_cast<unsigned int>(std::min(base + kReach, 255));
+			for (const int end = std::min(base + 2 * kReach, last); base < end;)
+			{
+				++base;
+				candidates[count] = base;
+				count += mayWinNext(base) ? 1 : 0;
+			}
+			if (count == 1 || isHopefulAround(middle, multiplier))
+			{
+				for (unsigned int i = 0; i < count; ++i)
+				{
+					tryCoarse(static_cast<unsigned int>(candidates[i]), multiplier);
+				}
 			}
 		}
 	}
@@ -304,6 +371,7 @@ private:
 	const std::uint16_t (&m_texels)[16];
 	bool m_isSigned;
 	const std::uint16_t* m_valueTable;
+	const StepValues& m_steps;
 	int m_ordered[16];
 	int m_low;
 	int m_high;

@@ -1,7 +1,10 @@
 // Encoding of 8-bit values: the alpha half of ETC2 RGBA.
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 
 #include "EacBlock.h"
 #include "EacDistances.h"
@@ -65,14 +68,26 @@ Values gather(const unsigned char* source, unsigned int startX, unsigned int sta
 	return values;
 }
 
+/// What the steps decode to.
+constexpr std::array<std::uint16_t, 256> kBytes = []
+{
+	std::array<std::uint16_t, 256> bytes{};
+	for (unsigned int value = 0; value < 256; ++value)
+	{
+		bytes[value] = static_cast<std::uint16_t>(value);
+	}
+	return bytes;
+}();
+
 /// What the search asks again and again: the distances from each byte, and lower bounds of the errors of rows. All are of the
 /// errors without regard to bases' sides, which are never larger.
 template<ESimdLevel level>
 class Bounds
 {
 public:
-	explicit Bounds(const Values& values) : distances(values.texels, 0, 255, [](int value) { return static_cast<std::uint16_t>(value); })
+	explicit Bounds(const Values& values) : distances(values.texels, kBytes.data(), 0, 255)
 	{
+		std::copy_n(values.texels, 16, texels);
 		std::copy_n(values.texels, 16, m_sorted);
 		std::sort(m_sorted, m_sorted + 16);
 	}
@@ -96,7 +111,58 @@ public:
 		return *std::min_element(m_bounds, m_bounds + multiplier);
 	}
 
+	/// The tables that may have an error of at most `limit` with some base, a bit for each. `limit` is at least the bound of the
+	/// multiplier.
+	unsigned int tablesWithin(int multiplier, int limit)
+	{
+		load(multiplier);
+		// The outermost texels must not lie too far beyond the outermost modifiers.
+		const auto slack = static_cast<int>(std::sqrt(static_cast<float>(limit))) + 1;
+		const int last = std::min(m_sorted[0] + 15 * multiplier + slack, 255);
+		const auto errorsAt = [&](int base, std::int16_t reach)
+		{
+			int errors[16];
+			return EacSums<level>::tableErrors(distances.row(base), multiplier, reach, limit, errors);
+		};
+		// Neighbouring bases are much alike: five at once are ruled out by the one in their middle, since a value moves by one a base.
+		constexpr int kReach = 2;
+		unsigned int tables = 0;
+		for (int base = std::max(m_sorted[15] - 14 * multiplier - slack, 0); base <= last; base += 2 * kReach + 1)
+		{
+			if ((errorsAt(std::min(base + kReach, 255), kReach) & ~tables) != 0)
+			{
+				for (int each = base; each <= std::min(base + 2 * kReach, last); ++each)
+				{
+					tables |= errorsAt(each, 0);
+				}
+			}
+		}
+		return tables;
+	}
+
+	/// The row of the least error at a few likely bases: the middle of the texels amid some table's spread.
+	int likelyRow() const
+	{
+		const int range = m_sorted[15] - m_sorted[0];
+		const int middle = (m_sorted[15] + m_sorted[0]) / 2;
+		int least = std::numeric_limits<int>::max();
+		int likely = kFirstSpread;
+		for (int multiplier = std::max(range / 29, 1); multiplier <= std::min(range / 17 + 1, 15); ++multiplier)
+		{
+			int errors[16];
+			EacSums<level>::tableErrors(distances.row(std::min(middle + multiplier / 2, 255)), multiplier, 0, 0, errors);
+			const int* found = std::min_element(errors, errors + 16);
+			if (*found < least)
+			{
+				least = *found;
+				likely = multiplier * 16 + static_cast<int>(found - errors);
+			}
+		}
+		return likely;
+	}
+
 	const EacDistances<level> distances;
+	EacRow texels;
 
 private:
 	void load(int multiplier)
@@ -134,61 +200,108 @@ Best searchRow(int average, int row, const Best& overall, FillErrors&& fillError
 	{
 		const int first = clamp(centre - pass.reach);
 		const EacBases bases = {first, pass.scale, static_cast<unsigned int>((clamp(centre + pass.reach) - first) / pass.scale) + 1};
-		int errors[kMostBases];
+		int errors[kMostBases] = {};
 		fillErrors(bases, errors);
-		for (unsigned int i = 0; i < bases.count; ++i)
+		// The least, the first on a tie: the number stands below the error.
+		int least = errors[0] * 16;
+		for (unsigned int i = 1; i < bases.count; ++i)
 		{
-			const int bound = Search::kSlow ? best.sum - 1 : std::min(best.sum - 1, overall.sum);
-			if (errors[i] <= bound)
-			{
-				best.sum = errors[i];
-				best.base = bases.first + static_cast<int>(i) * bases.step;
-			}
+			least = std::min(least, errors[i] * 16 + static_cast<int>(i));
+		}
+		const int bound = Search::kSlow ? best.sum - 1 : std::min(best.sum - 1, overall.sum);
+		if (least / 16 <= bound)
+		{
+			best.sum = least / 16;
+			best.base = bases.first + least % 16 * bases.step;
 		}
 		centre = best.sum < Best().sum ? best.base : centre;
 	}
 	return best;
 }
 
-template<typename Search, ESimdLevel level>
-Best searchRows(const Values& values, const AlphaTable& table, int firstRow, int endRow)
+/// The rows without spread are all alike, and the best of their bases is the mean.
+template<typename Search>
+Best searchWithoutSpread(const Values& values, int row)
 {
-	Best best;
-	if (firstRow < kFirstSpread)
-	{
-		// The rows without spread are all alike. The first one finds the mean, which the others cannot beat.
-		best = searchRow<Search>(values.average, firstRow, best,
-		                         [&](const EacBases& bases, int* errors)
+	return searchRow<Search>(values.average, row, Best(),
+	                         [&](const EacBases& bases, int* errors)
+	                         {
+		                         for (unsigned int i = 0; i < bases.count; ++i)
 		                         {
-			                         for (unsigned int i = 0; i < bases.count; ++i)
-			                         {
-				                         const int base = bases.first + static_cast<int>(i) * bases.step;
-				                         errors[i] = base * (16 * base - 2 * values.sum) + values.sumOfSquares;
-			                         }
-		                         });
-	}
-	if (best.sum == 0 || endRow <= kFirstSpread)
-	{
-		return best;
-	}
+			                         const int base = bases.first + static_cast<int>(i) * bases.step;
+			                         errors[i] = base * (16 * base - 2 * values.sum) + values.sumOfSquares;
+		                         }
+	                         });
+}
 
+template<typename Search, ESimdLevel level>
+Best searchSpread(const Bounds<level>& bounds, const Values& values, const AlphaTable& table, int row, const Best& overall)
+{
+	const std::array<int, 8>& entries = table[static_cast<unsigned int>(row)];
+	return searchRow<Search>(
+	    values.average, row, overall,
+	    [&](const EacBases& bases, int* errors)
+	    { EacSums<level>::baseErrors(bounds.distances.row(bases.first), bounds.texels, entries.data(), Search::kSlow, bases, errors); });
+}
+
+/// The best of some rows, in their order: what the fast search finds in a row depends on those before it.
+template<ESimdLevel level>
+Best searchInOrder(const Values& values, const AlphaTable& table, int firstRow, int endRow)
+{
+	const Best first = firstRow < kFirstSpread ? searchWithoutSpread<Fast>(values, firstRow) : Best();
+	if (first.sum == 0 || endRow <= kFirstSpread)
+	{
+		return first;
+	}
+	Best best = first;
 	Bounds<level> bounds(values);
-	EacRow texels;
-	std::copy_n(values.texels, 16, texels);
 	for (int row = std::max(firstRow, kFirstSpread); row < endRow && best.sum != 0; ++row)
 	{
-		const std::array<int, 8>& entries = table[static_cast<unsigned int>(row)];
-		if (bounds.ofRow(entries) >= best.sum || bounds.ofMultiplier(row / 16) >= best.sum)
+		if (bounds.ofRow(table[static_cast<unsigned int>(row)]) >= best.sum || bounds.ofMultiplier(row / 16) >= best.sum)
 		{
 			continue;
 		}
-		const Best candidate = searchRow<Search>(
-		    values.average, row, best,
-		    [&](const EacBases& bases, int* errors)
-		    { EacSums<level>::baseErrors(bounds.distances.row(bases.first), texels, entries.data(), Search::kSlow, bases, errors); });
-		if (candidate.sum < best.sum)
+		const Best candidate = searchSpread<Fast>(bounds, values, table, row, best);
+		best = candidate.sum < best.sum ? candidate : best;
+	}
+	return best;
+}
+
+/// The best of all rows, the first on a tie. Rows do not depend on each other, so that the likely one is searched first, and then those
+/// that bounds do not rule out.
+template<ESimdLevel level>
+Best searchAll(const Values& values, const AlphaTable& table)
+{
+	Best best = searchWithoutSpread<Slow>(values, 0);
+	if (best.sum == 0)
+	{
+		return best;
+	}
+	Bounds<level> bounds(values);
+	const auto search = [&](int row)
+	{
+		const Best candidate = searchSpread<Slow>(bounds, values, table, row, best);
+		if (candidate.sum < best.sum || (candidate.sum == best.sum && row < best.row))
 		{
 			best = candidate;
+		}
+	};
+	const int likely = bounds.likelyRow();
+	search(likely);
+	for (int multiplier = 1; multiplier < 16; ++multiplier)
+	{
+		if (bounds.ofMultiplier(multiplier) > best.sum)
+		{
+			continue;
+		}
+		unsigned int tables = bounds.tablesWithin(multiplier, best.sum);
+		for (; tables != 0; tables &= tables - 1)
+		{
+			const int row = multiplier * 16 + std::countr_zero(tables);
+			if (row != likely && bounds.ofRow(table[static_cast<unsigned int>(row)]) <= best.sum)
+			{
+				search(row);
+			}
 		}
 	}
 	return best;
@@ -234,7 +347,7 @@ void compressBlockAlphaFast(const unsigned char* source, unsigned int startX, un
 	const int approximateRow = std::min(maxDistance * 255 / 160 - 4, 255);
 	const int first = std::max(approximateRow - 15, 0);
 	const int end = std::min(approximateRow + 15, 255);
-	const Best best = withSimdLevel([&](auto level) { return searchRows<Fast, level>(values, table, first, end); });
+	const Best best = withSimdLevel([&](auto level) { return searchInOrder<level>(values, table, first, end); });
 	writeBlock(values, table, best, block);
 }
 
@@ -242,7 +355,7 @@ void compressBlockAlphaSlow(const unsigned char* source, unsigned int startX, un
                             const AlphaTable& table)
 {
 	const Values values = gather(source, startX, startY, width);
-	const Best best = withSimdLevel([&](auto level) { return searchRows<Slow, level>(values, table, 0, 256); });
+	const Best best = withSimdLevel([&](auto level) { return searchAll<level>(values, table); });
 	writeBlock(values, table, best, block);
 }
 } // namespace zortexture

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "EacSums.h"
 
@@ -18,16 +19,24 @@ public:
 	static constexpr int kFirstStep = -15 * 15;
 	static constexpr int kLastStep = 255 + 14 * 15;
 
-	/// `value(step)` is what a step decodes to; steps below `first` and above `last` are clamped to these.
-	template<typename Value>
-	EacDistances(const std::uint16_t (&texels)[16], int first, int last, Value&& value)
+	static constexpr int kStepCount = kLastStep - kFirstStep + 1;
+
+	/// `values` is what the steps decode to, from step `first` to `last`; those outside are clamped to these.
+	EacDistances(const std::uint16_t (&texels)[16], const std::uint16_t* values, int first, int last)
 	{
-		std::uint16_t values[kLastStep - kFirstStep + 1];
-		for (int step = kFirstStep; step <= kLastStep; ++step)
+		const auto rows = [this](int step)
 		{
-			values[step - kFirstStep] = value(std::clamp(step, first, last));
+			return m_rows + (step - kFirstStep);
+		};
+		EacSums<level>::fillRows(texels, values, static_cast<unsigned int>(last - first) + 1, rows(first));
+		for (EacRow* row = m_rows; row != rows(first); ++row)
+		{
+			std::memcpy(*row, *rows(first), sizeof(EacRow));
 		}
-		EacSums<level>::fillRows(texels, values, kLastStep - kFirstStep + 1, m_rows);
+		for (EacRow* row = rows(last + 1); row != m_rows + kStepCount; ++row)
+		{
+			std::memcpy(*row, *rows(last), sizeof(EacRow));
+		}
 	}
 
 	const EacRow* row(int step) const
@@ -43,9 +52,10 @@ public:
 		const int last = std::min(high + multiplier, kLastStep);
 		int errors[15];
 		EacSums<level>::leastErrors(row(0), first, last, multiplier, *row(kFirstStep), *row(kLastStep), errors);
+		const auto start = static_cast<int>(boundOf(first, multiplier));
 		for (int i = 0; i < multiplier; ++i)
 		{
-			bounds[boundOf(first + i, multiplier)] = errors[i];
+			bounds[start + i < multiplier ? start + i : start + i - multiplier] = errors[i];
 		}
 	}
 
@@ -56,6 +66,6 @@ public:
 	}
 
 private:
-	alignas(32) EacRow m_rows[kLastStep - kFirstStep + 1];
+	alignas(32) EacRow m_rows[kStepCount];
 };
 } // namespace zortexture

@@ -23,6 +23,13 @@ public:
 			m_distances[i] = std::min(m_distances[i], row[i]);
 		}
 	}
+	void shorten(std::int16_t slack)
+	{
+		for (std::int16_t& distance : m_distances)
+		{
+			distance = static_cast<std::int16_t>(std::max(distance - slack, 0));
+		}
+	}
 	int sumOfSquares() const
 	{
 		int sum = 0;
@@ -74,8 +81,9 @@ void EacSums<eSimdPlain>::leastErrors(const EacRow* rows, int first, int last, i
 }
 
 template<>
-void EacSums<eSimdPlain>::tableErrors(const EacRow* centre, int multiplier, int (&errors)[16])
+unsigned int EacSums<eSimdPlain>::tableErrors(const EacRow* centre, int multiplier, std::int16_t slack, int limit, int (&errors)[16])
 {
+	unsigned int within = 0;
 	for (unsigned int table = 0; table < 16; ++table)
 	{
 		Least least;
@@ -83,8 +91,11 @@ void EacSums<eSimdPlain>::tableErrors(const EacRow* centre, int multiplier, int 
 		{
 			least.take(centre[alphaModifier(table, index) * multiplier]);
 		}
+		least.shorten(slack);
 		errors[table] = least.sumOfSquares();
+		within |= (errors[table] <= limit ? 1U : 0U) << table;
 	}
+	return within;
 }
 
 template<>

@@ -33,8 +33,9 @@ struct EacSums
 	static void leastErrors(const EacRow* rows, int first, int last, int multiplier, const EacRow& end1, const EacRow& end2, int* errors);
 
 	/// The errors of all tables: the texels choose among the rows whose distance from `centre` is one of the table's modifiers times the
-	/// multiplier.
-	static void tableErrors(const EacRow* centre, int multiplier, int (&errors)[16]);
+	/// multiplier. All distances count as less by `slack`, down to 0.
+	/// @return a bit for every table whose error is at most `limit`, table 0 lowest.
+	static unsigned int tableErrors(const EacRow* centre, int multiplier, std::int16_t slack, int limit, int (&errors)[16]);
 
 	/// The error of the texels above a value (or of those below it) if there is nothing to choose beyond it: `row` holds their distances
 	/// from the value, `ends` those from the end of the range across the wrap. Texels and the value are in the order of magnitude.

@@ -2,6 +2,8 @@
 
 #include "EacSums.h"
 
+#include <cstddef>
+
 #include "EacBlock.h"
 #include "Simd/Lanes.h"
 
@@ -99,9 +101,9 @@ ZORT_INLINE Lanes<std::int32_t, 4> sumsOf(I32 a, I32 b, I32 c, I32 d)
 class Pairs
 {
 public:
-	ZORT_INLINE Pairs(const EacRow* centre, int multiplier)
+	ZORT_INLINE Pairs(const EacRow* centre, int multiplier, Texels slack)
 	{
-		fill<1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 15>(centre, multiplier);
+		fill<1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 15>(centre, multiplier, slack);
 	}
 
 	template<unsigned int table>
@@ -114,16 +116,24 @@ public:
 		return squares(nearer(nearer(m_nearer[kFirst], m_nearer[kSecond]), nearer(m_nearer[kThird], m_nearer[kFourth])));
 	}
 	template<unsigned int table>
-	ZORT_INLINE void fourTables(int* errors) const
+	ZORT_INLINE unsigned int fourTables(int limit, int* errors) const
 	{
-		sumsOf(squaresOf<table>(), squaresOf<table + 1>(), squaresOf<table + 2>(), squaresOf<table + 3>()).store(errors + table);
+		const auto sums = sumsOf(squaresOf<table>(), squaresOf<table + 1>(), squaresOf<table + 2>(), squaresOf<table + 3>());
+		sums.store(errors + table);
+		return bitsOfMask(sums <= Lanes<std::int32_t, 4>::filled(limit)) << table;
 	}
 
 private:
 	template<int... magnitudes>
-	ZORT_INLINE void fill(const EacRow* centre, int multiplier)
+	ZORT_INLINE void fill(const EacRow* centre, int multiplier, Texels slack)
 	{
-		((m_nearer[magnitudes] = nearer(load(centre[-magnitudes * multiplier]), load(centre[(magnitudes - 1) * multiplier]))), ...);
+		const auto shorter = [](I16 distances, I16 by)
+		{
+			return as<std::int16_t>(subtractSaturated(as<std::uint16_t>(distances), as<std::uint16_t>(by)));
+		};
+		((m_nearer[magnitudes] =
+		      apply(nearer(load(centre[-magnitudes * multiplier]), load(centre[(magnitudes - 1) * multiplier])), slack, shorter)),
+		 ...);
 	}
 
 	Texels m_nearer[16];
@@ -165,13 +175,11 @@ void EacSums<level>::leastErrors(const EacRow* rows, int first, int last, int mu
 }
 
 template<ESimdLevel level>
-void EacSums<level>::tableErrors(const EacRow* centre, int multiplier, int (&errors)[16])
+unsigned int EacSums<level>::tableErrors(const EacRow* centre, int multiplier, std::int16_t slack, int limit, int (&errors)[16])
 {
-	const Pairs pairs(centre, multiplier);
-	pairs.fourTables<0>(errors);
-	pairs.fourTables<4>(errors);
-	pairs.fourTables<8>(errors);
-	pairs.fourTables<12>(errors);
+	const Pairs pairs(centre, multiplier, filled(slack));
+	return pairs.fourTables<0>(limit, errors) | pairs.fourTables<4>(limit, errors) | pairs.fourTables<8>(limit, errors) |
+	       pairs.fourTables<12>(limit, errors);
 }
 
 template<ESimdLevel level>
@@ -192,20 +200,28 @@ void EacSums<level>::baseErrors(const EacRow* centre, const EacRow& texels, cons
                                 int* errors)
 {
 	const Texels all = load(texels);
-	const auto at = [&](unsigned int index)
+	// Addresses once for all bases.
+	const EacRow* const a = centre + offsets[0];
+	const EacRow* const b = centre + offsets[1];
+	const EacRow* const c = centre + offsets[2];
+	const EacRow* const d = centre + offsets[3];
+	const EacRow* const e = centre + offsets[4];
+	const EacRow* const f = centre + offsets[5];
+	const EacRow* const g = centre + offsets[6];
+	const EacRow* const h = centre + offsets[7];
+	const EacRow* const helping = isFifthForAll ? e : d;
+	Texels base = filled(static_cast<std::int16_t>(bases.first));
+	const Texels step = filled(static_cast<std::int16_t>(bases.step));
+	for (unsigned int i = 0; i < bases.count; ++i)
 	{
-		return load(centre[offsets[index]]);
-	};
-	const int fifth = isFifthForAll ? 4 : 3;
-	for (unsigned int i = 0; i < bases.count; ++i, centre += bases.step)
-	{
-		const int base = bases.first + static_cast<int>(i) * bases.step;
-		const Texels lower = nearer(nearer(nearer(at(0), at(1)), nearer(at(2), at(3))), load(centre[offsets[fifth]]));
-		const Texels upper = nearer(nearer(at(4), at(5)), nearer(at(6), at(7)));
-		const Texels isAbove = apply(all, filled(static_cast<std::int16_t>(base)), [](I16 a, I16 b) { return a > b; });
-		const Texels aboves = apply(upper, isAbove, [](I16 a, I16 mask) { return a & mask; });
-		const Texels belows = apply(lower, isAbove, [](I16 a, I16 mask) { return a & ~mask; });
-		errors[i] = sumOf(squares(apply(aboves, belows, [](I16 a, I16 b) { return a | b; })));
+		const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(i) * bases.step;
+		const Texels lower = nearer(nearer(nearer(load(a[at]), load(b[at])), nearer(load(c[at]), load(d[at]))), load(helping[at]));
+		const Texels upper = nearer(nearer(load(e[at]), load(f[at])), nearer(load(g[at]), load(h[at])));
+		const Texels isAbove = apply(all, base, [](I16 x, I16 y) { return x > y; });
+		const Texels aboves = apply(upper, isAbove, [](I16 x, I16 mask) { return x & mask; });
+		const Texels belows = apply(lower, isAbove, [](I16 x, I16 mask) { return x & ~mask; });
+		errors[i] = sumOf(squares(apply(aboves, belows, [](I16 x, I16 y) { return x | y; })));
+		base = apply(base, step, [](I16 x, I16 y) { return x + y; });
 	}
 }
 
