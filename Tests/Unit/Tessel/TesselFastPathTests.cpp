@@ -111,3 +111,21 @@ TEST(TesselFastPath, CompressorsGiveThePlainBytes)
 		}
 	}
 }
+
+TEST(TesselFastPath, SectionsGiveThePlainBytes)
+{
+	for (const Picture& picture : pictures())
+	{
+		const auto run = [&picture]()
+		{
+			std::vector<unsigned char> blocks(picture.pixels.size(), 0xCD);
+			Tessel2SectionCompress(picture.pixels.data(), blocks.data(), picture.width, picture.height);
+			return blocks;
+		};
+		const std::vector<unsigned char> expected = atSimdLevel(eSimdPlain, run);
+		for (const ESimdLevel level : kVectorLevels)
+		{
+			ASSERT_EQ(atSimdLevel(level, run), expected) << picture.what << ", level " << level;
+		}
+	}
+}

@@ -7,6 +7,7 @@
 #include "TesselCodec.h"
 #include "TesselCompressor.h"
 #include "TesselFloatColour.h"
+#include "TesselSections.h"
 #include "TesselTables.h"
 
 namespace zortexture
@@ -21,6 +22,9 @@ struct Section
 {
 	TesselPixel pixels[kPixels];
 	bool punchThrough;
+	/// As countColours has them.
+	unsigned colours;
+	TesselPixel palette[2];
 };
 
 FloatColour meanOf(const TesselPixel* pixels)
@@ -234,50 +238,108 @@ void selectColoursOnPrincipalAxis(const TesselPixel* pixels, unsigned& colourA, 
 	orderTesselColours(colourA, colourB);
 }
 
-unsigned int Tessel2SectionCompress(const void* in, void* out, const unsigned int& width, const unsigned int& height)
+namespace
+{
+/// A block at a corner of the image, and what it counts as.
+Section loadSection(const TesselPixel* corner, std::size_t pitch)
+{
+	Section section;
+	for (unsigned row = 0; row < 4; ++row)
+	{
+		std::copy_n(corner + row * pitch, 4, section.pixels + 4 * row);
+	}
+	section.punchThrough = std::any_of(section.pixels, section.pixels + kPixels, [](const TesselPixel& pixel) { return pixel.a == 0; });
+	section.colours = countColours(section.pixels, section.palette);
+	return section;
+}
+
+/// Writes the block of a section.
+/// @param word       the indices of the block before, then those of this one.
+/// @param colourA, colourB, opaqueWord  for more than two colours the ends of the axis, and the indices of a block that is not
+///                   punch-through; null to find them.
+void writeSection(const Section& section, const unsigned* colourA, const unsigned* colourB, const unsigned* opaqueWord, unsigned& word,
+                  TesselIIBlockData& block)
+{
+	unsigned a = packTesselPixel(section.palette[0]);
+	unsigned b = a;
+	if (section.colours == 1)
+	{
+		writeOneColour(section, word);
+	}
+	else if (section.colours == 2)
+	{
+		b = packTesselPixel(section.palette[1]);
+		writeTwoColours(section, section.palette[1], word);
+	}
+	else if (opaqueWord == nullptr)
+	{
+		selectColoursOnPrincipalAxis(section.pixels, a, b);
+		writeAxis(section, a, b, word);
+	}
+	else
+	{
+		a = *colourA;
+		b = *colourB;
+		if (section.punchThrough)
+		{
+			writeAxis(section, a, b, word);
+		}
+		else
+		{
+			word = *opaqueWord;
+		}
+	}
+	block = {};
+	block.setModulationWord(word);
+	block.setColours(a, b);
+	block.setModulationFlag(section.punchThrough);
+	block.setHardTransitionFlag(!section.punchThrough);
+}
+
+template<ESimdLevel level>
+void compressSections(const TesselPixel* pixels, TesselIIBlockData* block, unsigned width, unsigned height)
 {
 	const unsigned blocksX = width / 4;
 	const unsigned blocksY = height / 4;
-	const auto* pixels = static_cast<const TesselPixel*>(in);
-	auto* block = static_cast<TesselIIBlockData*>(out);
 	unsigned word = 0;
 	for (unsigned y = 0; y < blocksY; ++y)
 	{
-		for (unsigned x = 0; x < blocksX; ++x, ++block)
+		const TesselPixel* row = pixels + std::size_t(4) * y * width;
+		for (unsigned x = 0; x < blocksX; x += kTesselSections)
 		{
-			Section section;
-			const TesselPixel* corner = pixels + std::size_t(4) * y * width + std::size_t(4) * x;
-			for (unsigned row = 0; row < 4; ++row)
+			const unsigned count = std::min(kTesselSections, blocksX - x);
+			Section sections[kTesselSections];
+			unsigned most = 0;
+			for (unsigned i = 0; i < count; ++i)
 			{
-				std::copy_n(corner + std::size_t(row) * width, 4, section.pixels + 4 * row);
+				sections[i] = loadSection(row + std::size_t(4) * (x + i), width);
+				most = std::max(most, sections[i].colours);
 			}
-			section.punchThrough =
-			    std::any_of(section.pixels, section.pixels + kPixels, [](const TesselPixel& pixel) { return pixel.a == 0; });
-			TesselPixel palette[2];
-			const unsigned count = countColours(section.pixels, palette);
-			unsigned colourA = packTesselPixel(palette[0]);
-			unsigned colourB = colourA;
-			if (count == 1)
+			unsigned coloursA[kTesselSections];
+			unsigned coloursB[kTesselSections];
+			unsigned words[kTesselSections];
+			bool isFitted = false;
+			if constexpr (level != eSimdPlain)
 			{
-				writeOneColour(section, word);
+				isFitted = most > 2;
+				if (isFitted)
+				{
+					fitTesselSections<level>(row + std::size_t(4) * x, width, count, coloursA, coloursB, words);
+				}
 			}
-			else if (count == 2)
+			for (unsigned i = 0; i < count; ++i, ++block)
 			{
-				colourB = packTesselPixel(palette[1]);
-				writeTwoColours(section, palette[1], word);
+				writeSection(sections[i], coloursA + i, coloursB + i, isFitted ? words + i : nullptr, word, *block);
 			}
-			else
-			{
-				selectColoursOnPrincipalAxis(section.pixels, colourA, colourB);
-				writeAxis(section, colourA, colourB, word);
-			}
-			*block = {};
-			block->setModulationWord(word);
-			block->setColours(colourA, colourB);
-			block->setModulationFlag(section.punchThrough);
-			block->setHardTransitionFlag(!section.punchThrough);
 		}
 	}
+}
+} // namespace
+
+unsigned int Tessel2SectionCompress(const void* in, void* out, const unsigned int& width, const unsigned int& height)
+{
+	withSimdLevel([&](auto level)
+	              { compressSections<level>(static_cast<const TesselPixel*>(in), static_cast<TesselIIBlockData*>(out), width, height); });
 	return 1;
 }
 } // namespace zortexture
