@@ -27,7 +27,7 @@ struct Window
 	}
 };
 
-ZORT_INLINE U8 boxEnd(const unsigned* pixels, unsigned count, bool greatestWanted)
+ZORT_INLINE U8 boxEnd(const Pixel<unsigned char>* pixels, unsigned count, bool greatestWanted)
 {
 	U8 end = U8::load(pixels);
 	for (unsigned i = U32::kCount; i < count; i += U32::kCount)
@@ -89,7 +89,7 @@ ZORT_INLINE I32 distancesTo(const Window& window, ColourPairs pixel, unsigned be
 } // namespace
 
 template<ESimdLevel level>
-void findFarthestTesselPixels(unsigned* pixels, unsigned count, unsigned& first, unsigned& second)
+void findFarthestTesselPixels(Pixel<unsigned char>* pixels, unsigned count, unsigned& first, unsigned& second)
 {
 	first = 0;
 	second = 0;
@@ -141,5 +141,5 @@ void findFarthestTesselPixels(unsigned* pixels, unsigned count, unsigned& first,
 	}
 }
 
-template void findFarthestTesselPixels<kLanesLevel>(unsigned*, unsigned, unsigned&, unsigned&);
+template void findFarthestTesselPixels<kLanesLevel>(Pixel<unsigned char>*, unsigned, unsigned&, unsigned&);
 } // namespace zortexture

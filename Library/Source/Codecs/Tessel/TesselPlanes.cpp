@@ -61,7 +61,33 @@ void upscalePlane(const TesselPlanes& planes, const unsigned* colours, TesselPix
 	}
 }
 
+std::int64_t wrapped(std::int64_t position, std::int64_t size)
+{
+	return position >= 0 && position < size ? position : ((position % size) + size) % size;
+}
+
+/// The pixels of kWidth columns and `height` rows from (left, top) on, around the edges of the image.
+template<unsigned kWidth>
+void collectPixels(const TesselPlanes& planes, std::int64_t left, std::int64_t top, unsigned height, TesselPixel* window)
+{
+	const bool wraps = left < 0 || left + kWidth > planes.width;
+	for (unsigned row = 0; row < height; ++row, window += kWidth)
+	{
+		const TesselPixel* line = planes.image + wrapped(top + row, planes.height) * planes.width;
+		if (!wraps)
+		{
+			std::memcpy(window, line + left, kWidth * sizeof(TesselPixel));
+			continue;
+		}
+		for (unsigned column = 0; column < kWidth; ++column)
+		{
+			window[column] = line[wrapped(left + column, planes.width)];
+		}
+	}
+}
+
 /// The pixels of a block, or of a window of twice its size around it.
+/// @return their number.
 unsigned collectWindow(const TesselPlanes& planes, unsigned x, unsigned y, bool overlapWindow, TesselPixel* window)
 {
 	const unsigned scale = overlapWindow ? 2 : 1;
@@ -69,27 +95,9 @@ unsigned collectWindow(const TesselPlanes& planes, unsigned x, unsigned y, bool 
 	const unsigned height = planes.blockHeight * scale;
 	const std::int64_t left = std::int64_t(x) * planes.blockWidth - (overlapWindow ? planes.blockWidth / 2 : 0);
 	const std::int64_t top = std::int64_t(y) * planes.blockHeight - (overlapWindow ? planes.blockHeight / 2 : 0);
-	const auto wrap = [](std::int64_t position, std::int64_t size)
-	{
-		return ((position % size) + size) % size;
-	};
-	const bool wraps = left < 0 || left + width > planes.width;
-	unsigned count = 0;
-	for (unsigned row = 0; row < height; ++row)
-	{
-		const TesselPixel* line = planes.image + wrap(top + row, planes.height) * planes.width;
-		if (!wraps)
-		{
-			std::copy_n(line + left, width, window + count);
-			count += width;
-			continue;
-		}
-		for (unsigned column = 0; column < width; ++column)
-		{
-			window[count++] = line[wrap(left + column, planes.width)];
-		}
-	}
-	return count;
+	const auto collect = width == 4 ? collectPixels<4> : (width == 8 ? collectPixels<8> : collectPixels<16>);
+	collect(planes, left, top, height, window);
+	return width * height;
 }
 
 template<ESimdLevel level>
@@ -103,14 +111,11 @@ void calculateColours(const TesselPlanes& planes, unsigned x, unsigned y, unsign
 	}
 	else
 	{
-		static_assert(sizeof(TesselPixel) == sizeof(unsigned));
-		unsigned packed[kMostTesselWindowPixels];
-		std::memcpy(packed, window, count * sizeof(unsigned));
 		unsigned first = 0;
 		unsigned second = 0;
-		findFarthestTesselPixels<level>(packed, count, first, second);
-		colourA = packed[first];
-		colourB = packed[second];
+		findFarthestTesselPixels<level>(window, count, first, second);
+		colourA = packTesselPixel(window[first]);
+		colourB = packTesselPixel(window[second]);
 		orderTesselColours(colourA, colourB);
 	}
 }

@@ -84,76 +84,113 @@ ZORT_INLINE auto perBlock(I32 sums)
 
 // Planes.
 
-/// One plane of a block, as rows of bytes.
-template<bool kIs2bpp>
-ZORT_INLINE void upscaleBlock(const std::uint32_t* colours, std::size_t stride, std::uint32_t* out)
+/// Registers of the channels of four columns of blocks.
+constexpr unsigned kLineRegisters = 16 / I16::kCount;
+
+/// For register r of a row of a block's pixels: in the left half of the block column kFirst of the line, in the right half the next.
+template<unsigned kWidth, int kFirst, unsigned r>
+ZORT_INLINE I16 columnsOf(const I16 (&line)[kLineRegisters])
 {
-	using S = Shape<kIs2bpp>;
-	constexpr unsigned kColumns = 16; // channels of four columns of blocks
-	std::int16_t rows[3][kColumns];
+#if defined(__AVX2__)
+	if constexpr (kWidth == 4)
+	{
+		return as<std::int16_t>(shuffle<kFirst, kFirst, kFirst + 1, kFirst + 1>(as<std::uint64_t>(line[0])));
+	}
+	else
+	{
+		constexpr int kColumn = kFirst + static_cast<int>(r);
+		return as<std::int16_t>(shuffle<kColumn, kColumn, kColumn, kColumn>(as<std::uint64_t>(line[0])));
+	}
+#else
+	constexpr int kColumn = kFirst + static_cast<int>(kWidth == 4 ? r : r / 2);
+	return as<std::int16_t>(shuffle<kColumn % 2, kColumn % 2>(as<std::uint64_t>(line[kColumn / 2])));
+#endif
+}
+
+/// A row of a block's pixels from the line of colours between the columns of blocks.
+template<bool kIs2bpp, unsigned... r>
+ZORT_INLINE void upscaleRow(const I16 (&line)[kLineRegisters], I16* out, std::integer_sequence<unsigned, r...>)
+{
+	constexpr unsigned kWidth = Shape<kIs2bpp>::kWidth;
+	const auto upscaled = [&line](auto number) __attribute__((always_inline))
+	{
+		constexpr unsigned kRegister = decltype(number)::value;
+		const I16 left = columnsOf<kWidth, 0, kRegister>(line);
+		const I16 right = columnsOf<kWidth, 1, kRegister>(line);
+		const I16 offsets = I16::load(kOffsets[kIs2bpp ? 1 : 0] + kRegister * I16::kCount);
+		return ((left << (kIs2bpp ? 3 : 2)) + (right - left) * offsets) >> (kIs2bpp ? 5 : 4);
+	};
+	((out[r] = upscaled(std::integral_constant<unsigned, r>{})), ...);
+}
+
+/// The lines of a block's four rows of pixels: 2 and 3 below the centre above it and 0 and 1 below its own.
+ZORT_INLINE void mixLines(const std::uint32_t* colours, std::size_t stride, I16 (&lines)[4][kLineRegisters])
+{
+	I16 rows[3][kLineRegisters];
 	for (unsigned i = 0; i < 3; ++i)
 	{
 		const auto bytes = Lanes<std::uint8_t, 16>::load(colours + i * stride);
-		if constexpr (kHalves == 2)
-		{
-			convert<std::int16_t>(bytes).store(rows[i]);
-		}
-		else
-		{
-			as<std::int16_t>(interleaveLow(bytes, Lanes<std::uint8_t, 16>::filled(0))).store(rows[i]);
-			as<std::int16_t>(interleaveHigh(bytes, Lanes<std::uint8_t, 16>::filled(0))).store(rows[i] + 8);
-		}
+#if defined(__AVX2__)
+		rows[i][0] = convert<std::int16_t>(bytes);
+#else
+		rows[i][0] = as<std::int16_t>(interleaveLow(bytes, U8::filled(0)));
+		rows[i][1] = as<std::int16_t>(interleaveHigh(bytes, U8::filled(0)));
+#endif
 	}
-	// The four rows of pixels lie 2 and 3 below the upper centre and 0 and 1 below the block's own.
-	std::int16_t lines[4][kColumns];
-	for (unsigned i = 0; i < kColumns; i += I16::kCount)
+	for (unsigned i = 0; i < kLineRegisters; ++i)
 	{
-		const I16 upper = I16::load(rows[0] + i);
-		const I16 own = I16::load(rows[1] + i);
-		const I16 lower = I16::load(rows[2] + i);
+		const I16 own = rows[1][i];
 		const I16 two = own + own;
-		(upper + upper + two).store(lines[0] + i);
-		(upper + two + own).store(lines[1] + i);
-		(two + two).store(lines[2] + i);
-		(two + own + lower).store(lines[3] + i);
-	}
-	for (const std::int16_t* line : lines)
-	{
-		I16 channels[S::kWidePerRow];
-		for (unsigned r = 0; r < S::kWidePerRow; ++r)
-		{
-			const I16 left = coloursOfHalves<S::kWidth>(line, r);
-			const I16 right = coloursOfHalves<S::kWidth>(line + 4, r);
-			const I16 offsets = I16::load(kOffsets[kIs2bpp ? 1 : 0] + r * I16::kCount);
-			channels[r] = ((left << (kIs2bpp ? 3 : 2)) + (right - left) * offsets) >> (kIs2bpp ? 5 : 4);
-		}
-		if constexpr (S::kWidePerRow == 1)
-		{
-			lower(packedPixels(channels[0], channels[0])).store(out);
-		}
-		else
-		{
-			for (unsigned r = 0; r < S::kWidePerRow; r += 2)
-			{
-				packedPixels(channels[r], channels[r + 1]).store(out + r * (I32::kCount / 2));
-			}
-		}
-		out += S::kBlocks * S::kWidth;
+		lines[0][i] = rows[0][i] + rows[0][i] + two;
+		lines[1][i] = rows[0][i] + two + own;
+		lines[2][i] = two + two;
+		lines[3][i] = two + own + rows[2][i];
 	}
 }
 
+/// One plane of the blocks worked on.
 template<bool kIs2bpp>
 ZORT_INLINE void loadPlane(const std::uint32_t* const (&corners)[Shape<kIs2bpp>::kBlocks], std::size_t stride, ColourPairs* plane)
 {
 	using S = Shape<kIs2bpp>;
-	std::uint32_t bytes[4 * S::kBlocks * S::kWidth];
+	I16 lines[S::kBlocks][4][kLineRegisters];
 	for (unsigned i = 0; i < S::kBlocks; ++i)
 	{
-		upscaleBlock<kIs2bpp>(corners[i], stride, bytes + i * S::kWidth);
+		mixLines(corners[i], stride, lines[i]);
 	}
-	for (unsigned r = 0; r < S::kRegisters; ++r)
+	for (unsigned y = 0; y < 4; ++y)
 	{
-		plane[r] = colourPairs(U8::load(bytes + r * I32::kCount));
+		I16 channels[S::kBlocks * S::kWidePerRow];
+		for (unsigned i = 0; i < S::kBlocks; ++i)
+		{
+			upscaleRow<kIs2bpp>(lines[i][y], channels + i * S::kWidePerRow, std::make_integer_sequence<unsigned, S::kWidePerRow>{});
+		}
+		for (unsigned r = 0; r < S::kPerRow; ++r)
+		{
+			plane[y * S::kPerRow + r] = colourPairs(packedPixels(channels[2 * r], channels[2 * r + 1]));
+		}
+	}
+}
+
+/// The pixels of the blocks worked on.
+template<bool kIs2bpp>
+ZORT_INLINE void loadPixels(const Pixel<unsigned char>* const (&corners)[Shape<kIs2bpp>::kBlocks], std::size_t pitch, ColourPairs* pixels)
+{
+	using S = Shape<kIs2bpp>;
+	for (unsigned y = 0; y < 4; ++y)
+	{
+		if constexpr (S::kBlocks == 2)
+		{
+			using Half = Lanes<std::uint8_t, 16>;
+			pixels[y] = colourPairs(join(Half::load(corners[0] + y * pitch), Half::load(corners[S::kBlocks - 1] + y * pitch)));
+		}
+		else
+		{
+			for (unsigned r = 0; r < S::kPerRow; ++r)
+			{
+				pixels[y * S::kPerRow + r] = colourPairs(U8::load(corners[0] + y * pitch + r * I32::kCount));
+			}
+		}
 	}
 }
 
@@ -520,16 +557,19 @@ ZORT_INLINE void correct(const Means<kIs2bpp>& means, typename Shape<kIs2bpp>::I
 template<bool kIs2bpp>
 ZORT_INLINE auto loadColours(const std::uint32_t* const (&corners)[Shape<kIs2bpp>::kBlocks], std::size_t stride)
 {
-	typename Shape<kIs2bpp>::Integers channels;
-	for (unsigned i = 0; i < Shape<kIs2bpp>::kBlocks; ++i)
+	constexpr unsigned kBlocks = Shape<kIs2bpp>::kBlocks;
+	const Lanes<std::uint32_t, 4> colours = {{corners[0][stride + 1], corners[kBlocks - 1][stride + 1], 0, 0}};
+	const auto zero = Lanes<std::uint8_t, 16>::filled(0);
+	const auto words = as<std::uint16_t>(interleaveLow(as<std::uint8_t>(colours), zero));
+	const auto first = as<std::int32_t>(interleaveLow(words, as<std::uint16_t>(zero)));
+	if constexpr (kBlocks == 2)
 	{
-		const std::uint32_t colour = corners[i][stride + 1];
-		for (unsigned c = 0; c < 4; ++c)
-		{
-			channels.v[4 * i + c] = static_cast<std::int32_t>((colour >> (8 * c)) & 255);
-		}
+		return join(first, as<std::int32_t>(interleaveHigh(words, as<std::uint16_t>(zero))));
 	}
-	return channels;
+	else
+	{
+		return first;
+	}
 }
 
 template<typename Integers>
@@ -553,7 +593,7 @@ ZORT_INLINE void runBlocks(const TesselRound& round, std::size_t at)
 	const std::uint32_t* cornersB[S::kBlocks];
 	const std::uint8_t* weightsOfBlocks[S::kBlocks];
 	std::uint32_t places[S::kBlocks];
-	std::uint32_t pixels[4 * S::kBlocks * S::kWidth];
+	const Pixel<unsigned char>* pixels[S::kBlocks];
 	for (unsigned i = 0; i < S::kBlocks; ++i)
 	{
 		// The last block twice where their number is odd: it comes out the same.
@@ -564,17 +604,10 @@ ZORT_INLINE void runBlocks(const TesselRound& round, std::size_t at)
 		cornersA[i] = round.coloursA + y * round.stride + x;
 		cornersB[i] = round.coloursB + y * round.stride + x;
 		weightsOfBlocks[i] = round.weights + std::size_t(S::kPixels) * place;
-		const Pixel<unsigned char>* corner = round.pixels + 4 * y * round.pitch + S::kWidth * x;
-		for (unsigned row = 0; row < 4; ++row)
-		{
-			std::memcpy(pixels + (row * S::kBlocks + i) * S::kWidth, corner + row * round.pitch, 4 * S::kWidth);
-		}
+		pixels[i] = round.pixels + 4 * y * round.pitch + S::kWidth * x;
 	}
 	Work<kIs2bpp> work;
-	for (unsigned r = 0; r < S::kRegisters; ++r)
-	{
-		work.pixels[r] = colourPairs(U8::load(pixels + r * I32::kCount));
-	}
+	loadPixels<kIs2bpp>(pixels, round.pitch, work.pixels);
 	loadPlane<kIs2bpp>(cornersA, round.stride, work.a);
 	loadPlane<kIs2bpp>(cornersB, round.stride, work.b);
 
@@ -599,8 +632,15 @@ ZORT_INLINE void runBlocks(const TesselRound& round, std::size_t at)
 		{
 			std::uint8_t* weights = round.weights + std::size_t(S::kPixels) * places[i];
 			const std::uint8_t* own = chosen + i * S::kPixels;
-			round.isModulationNew[at + i] = std::memcmp(weights, own, S::kPixels) != 0 || round.modes[places[i]] != modes[i] ? 1 : 0;
-			std::memcpy(weights, own, S::kPixels);
+			bool isNew = round.modes[places[i]] != modes[i];
+			for (unsigned k = 0; k < S::kPixels; k += 16)
+			{
+				using Half = Lanes<std::uint8_t, 16>;
+				const Half some = Half::load(own + k);
+				isNew = isAny(some != Half::load(weights + k)) || isNew;
+				some.store(weights + k);
+			}
+			round.isModulationNew[at + i] = isNew ? 1 : 0;
 			round.modes[places[i]] = modes[i];
 		}
 	};
