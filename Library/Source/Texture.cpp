@@ -107,6 +107,7 @@ CZORTexture& CZORTexture::operator=(const CZORTexture& other)
 	return *this;
 }
 
+// NOLINTBEGIN(performance-noexcept-move-constructor): metadata has no other way than to be copied
 CZORTexture::CZORTexture(CZORTexture&& other)
 {
 	*this = std::move(other);
@@ -129,6 +130,7 @@ CZORTexture& CZORTexture::operator=(CZORTexture&& other)
 	m_blockSize = std::exchange(other.m_blockSize, 0);
 	return *this;
 }
+// NOLINTEND(performance-noexcept-move-constructor)
 
 void CZORTexture::allocateBlock()
 {

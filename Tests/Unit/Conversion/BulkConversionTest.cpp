@@ -1,8 +1,10 @@
 // The fast ways of converting and dithering many pixels against the encoders, pixel by pixel: every byte, and what is left in the encoders.
 
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <numeric>
 
 #include "PixelLayouts.h"
 #include "Simd/SimdLevels.h"
@@ -113,10 +115,8 @@ SResult convert(CZORTexture& source, const SForm& from, const SForm& to, unsigne
 	return result;
 }
 
-void compare(const SForm& from, const SForm& to, unsigned int numPixels, EZORTColourSpace target, EZORTColourSpace space,
-             std::mt19937& random)
+void compare(CZORTexture& source, const SForm& from, const SForm& to, EZORTColourSpace target, EZORTColourSpace space, std::mt19937& random)
 {
-	CZORTexture source = randomPixels(from, numPixels, random);
 	if (!source.isDataComplete())
 	{
 		return;
@@ -129,9 +129,17 @@ void compare(const SForm& from, const SForm& to, unsigned int numPixels, EZORTCo
 	const SResult plain = atSimdLevel(eSimdPlain, run);
 	for (const ESimdLevel level : kVectorLevels)
 	{
-		ASSERT_EQ(atSimdLevel(level, run), plain) << from.text << " type " << from.type << " to " << to.text << " type " << to.type << ", "
-		                                          << numPixels << " pixels, space " << space << " to " << target << ", level " << level;
+		ASSERT_EQ(atSimdLevel(level, run), plain)
+		    << from.text << " type " << from.type << " to " << to.text << " type " << to.type << ", " << source.getWidth()
+		    << " pixels, space " << space << " to " << target << ", level " << level;
 	}
+}
+
+void compare(const SForm& from, const SForm& to, unsigned int numPixels, EZORTColourSpace target, EZORTColourSpace space,
+             std::mt19937& random)
+{
+	CZORTexture source = randomPixels(from, numPixels, random);
+	compare(source, from, to, target, space, random);
 }
 } // namespace
 
@@ -148,6 +156,82 @@ TEST(BulkConversion, GivesTheBytesOfTheEncoders)
 		const EZORTColourSpace space = random() % 3 == 0 ? eCS_sRGB : eCS_lRGB;
 		const SForm& from = forms[random() % forms.size()];
 		compare(from, forms[random() % forms.size()], numPixels, target, space, random);
+	}
+}
+
+// Every number of 16 bits, and floats about every rounding and limit, out of and into every kind of channel.
+TEST(BulkConversion, HoldsForAllNumbers)
+{
+	std::mt19937 random(2);
+	std::vector<std::uint32_t> floats;
+	for (std::uint32_t exponent = 0; exponent < 512; ++exponent) // with both signs
+	{
+		for (const std::uint32_t mantissa : {0x0u, 0x1u, 0xFFFu, 0x1000u, 0x1FFFu, 0x2000u, 0x400000u, 0x7FE000u, 0x7FFFFEu, 0x7FFFFFu})
+		{
+			floats.push_back(exponent << 23 | mantissa);
+		}
+	}
+	for (std::uint32_t step = 0; step <= 0xFFFF; ++step)
+	{
+		const float halfStep = (static_cast<float>(step) + 0.5f) / 65535.0f;
+		floats.push_back(std::bit_cast<std::uint32_t>(step % 3 == 0 ? halfStep : std::nextafter(halfStep, step % 3 == 1 ? 1.0f : 0.0f)));
+	}
+	const SForm whole = {"r32", eVT_SignedFloat};
+	const SForm narrow[] = {
+	    {"r16", eVT_UnsignedShortNorm}, {"r16", eVT_SignedShortNorm}, {"r16", eVT_SignedFloat}, {"r16", eVT_UnsignedFloat}};
+	const SForm wide[] = {{"r32", eVT_UnsignedIntegerNorm}, {"r32", eVT_SignedIntegerNorm}, whole};
+	const SForm others[] = {{"r8", eVT_UnsignedByteNorm},
+	                        {"r8", eVT_SignedByteNorm},
+	                        {"agbr2.10.10.10", eVT_SignedIntegerNorm},
+	                        {"rgb11.11.10", eVT_UnsignedFloat}};
+	std::vector<unsigned short> numbers(65536);
+	std::iota(numbers.begin(), numbers.end(), static_cast<unsigned short>(0));
+	const auto textureOfNumbers = [](const SForm& form, const auto& values)
+	{
+		return CZORTexture(
+		    CZORTextureHeader(layout(form.text).id, 1, static_cast<unsigned int>(values.size()), 1, 1, 1, 1, eCS_lRGB, form.type),
+		    values.data());
+	};
+	CZORTexture sourceOfFloats = textureOfNumbers(whole, floats);
+	for (const SForm& form : narrow)
+	{
+		CZORTexture source = textureOfNumbers(form, numbers);
+		compare(source, form, whole, eCS_lRGB, eCS_lRGB, random);
+		compare(sourceOfFloats, whole, form, eCS_lRGB, eCS_lRGB, random);
+	}
+	for (const SForm& form : wide)
+	{
+		CZORTexture source = textureOfNumbers(form, floats);
+		compare(source, form, whole, eCS_lRGB, eCS_lRGB, random);
+		compare(sourceOfFloats, whole, form, eCS_lRGB, eCS_lRGB, random);
+	}
+	for (const SForm& form : others)
+	{
+		compare(sourceOfFloats, whole, form, eCS_lRGB, eCS_lRGB, random);
+	}
+}
+
+// Tables of 65536 values, which few pixels are not worth.
+TEST(BulkConversion, LargeTablesGiveTheBytesOfTheEncoders)
+{
+	std::mt19937 random(4);
+	compare({"r16", eVT_UnsignedShortNorm}, {"ra32.32", eVT_SignedFloat}, 8 * 65536 + 3, eCS_sRGB, eCS_lRGB, random);
+	compare({"ra16.16", eVT_SignedFloat}, {"ar16.16", eVT_SignedFloat}, 65536 + 5, eCS_lRGB, eCS_sRGB, random);
+}
+
+TEST(BulkConversion, EveryImageOfATextureIsConverted)
+{
+	CZORTexture source = randomTexture(CZORTextureHeader(layout("rgb8.8.8").id, 21, 43, 3, 4, 2, 6), 5);
+	const auto run = [&]
+	{
+		CZORTexture texture(source);
+		Transcode(texture, layout("bgr5.6.5"), eVT_UnsignedShortNorm, eCS_lRGB);
+		return bytesOf(texture);
+	};
+	const Bytes plain = atSimdLevel(eSimdPlain, run);
+	for (const ESimdLevel level : kVectorLevels)
+	{
+		EXPECT_EQ(atSimdLevel(level, run), plain);
 	}
 }
 
