@@ -1,5 +1,8 @@
 #include "TesselRounds.h"
 
+#include <type_traits>
+#include <utility>
+
 #include "TesselLanes.h"
 
 // All sums of the fit are exact in single precision: weights are eighths, residuals multiples of an eighth, their products of a 64th, and
