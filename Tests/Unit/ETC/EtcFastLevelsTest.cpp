@@ -1,9 +1,14 @@
 // The fast levels on every vector unit against their plain form, block for block.
 
+#include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
 #include <vector>
 
+#include "Codecs/ETC/EtcFastKernels.h"
+#include "Codecs/ETC/EtcFastSearch.h"
 #include "ETCCodec.h"
 #include "Simd/SimdLevels.h"
 
@@ -179,5 +184,51 @@ TEST(EtcFastLevels, EveryVectorUnitGivesThePlainBlocks)
 	}
 	testing::internal::GetCapturedStdout();
 }
+
+#if ZORT_HAS_SIMD
+
+using Clustering = void (*)(const unsigned char (&colours)[48], unsigned char (&pair)[2][3]);
+
+template<ESimdLevel level>
+constexpr Clustering kClusterings[] = {
+    clusterColoursFast<level, EtcClustering::HalfIntensityFast>, clusterColoursFast<level, EtcClustering::NotIntensityFast>,
+    clusterColoursFast<level, EtcClustering::Fast>, clusterColoursFast<level, EtcClustering::NotIntensity>,
+    clusterColoursFast<level, EtcClustering::All>};
+
+/// Blocks that the ladder seldom clusters: texels as far from one colour as from the other, and lines of texels, along which the colours
+/// creep for many iterations.
+TEST(EtcFastLevels, ClusteringsBreakTiesAndEndAsThePlainOnes)
+{
+	constexpr decltype(&computeColorLBG) kPlain[] = {computeColorLBGHalfIntensityFast, computeColorLBGNotIntensityFast, computeColorLBGfast,
+	                                                 computeColorLBGNotIntensity, computeColorLBG};
+	std::mt19937 random(2);
+	for (unsigned int turn = 0; turn < 6000; ++turn)
+	{
+		unsigned char colours[48];
+		const auto range = static_cast<unsigned int>(random() % 5 + 2);
+		const auto step = static_cast<unsigned int>(random() % 30 + 1);
+		for (unsigned int i = 0; i < 48; ++i)
+		{
+			const auto onLine = static_cast<unsigned int>(
+			    ((turn % 4 == 1 ? i / 3 * (i / 3) * (i / 3) / 13 : i / 3 * (i / 3)) + random() % range) * (i % 3 + 1) / 3);
+			colours[i] = static_cast<unsigned char>(turn % 2 == 0 ? random() % range * step : onLine % 256);
+		}
+		for (unsigned int i = 0; i < std::size(kPlain); ++i)
+		{
+			EtcColourPair expected;
+			EtcColourPair found;
+			kPlain[i](colours, 4, 0, 0, expected);
+			kClusterings<eSimdSse2>[i](colours, found);
+			ASSERT_EQ(std::memcmp(found, expected, sizeof(found)), 0) << "turn " << turn << ", clustering " << i;
+			if (bestSimdLevel() >= eSimdAvx2)
+			{
+				kClusterings<eSimdAvx2>[i](colours, found);
+				ASSERT_EQ(std::memcmp(found, expected, sizeof(found)), 0) << "turn " << turn << ", clustering " << i;
+			}
+		}
+	}
+}
+
+#endif
 } // namespace
 } // namespace zortexture
