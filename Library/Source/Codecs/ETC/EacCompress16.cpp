@@ -96,8 +96,8 @@ class Search
 {
 public:
 	Search(const std::uint16_t (&texels)[16], bool isSigned, const std::uint16_t* valueTable)
-	    : m_texels(texels), m_isSigned(isSigned), m_valueTable(valueTable), m_steps(stepValues(isSigned)),
-	      m_distances(texels, m_steps.values, StepValues::kFirst, StepValues::kLast)
+	    : m_texels(texels), m_valueTable(valueTable), m_steps(stepValues(isSigned)),
+	      m_distances(texels, m_steps.values, StepValues::kFirst, StepValues::kLast), m_isSigned(isSigned)
 	{
 		for (unsigned int i = 0; i < 16; ++i)
 		{
@@ -327,7 +327,7 @@ private:
 		{
 			return;
 		}
-		int bounds[15];
+		int bounds[15] = {};
 		m_distances.boundBases(multiplier, enclosingLow(), enclosingHigh(), bounds);
 		if (*std::min_element(bounds, bounds + multiplier) > m_bestError)
 		{
@@ -369,7 +369,6 @@ private:
 	}
 
 	const std::uint16_t (&m_texels)[16];
-	bool m_isSigned;
 	const std::uint16_t* m_valueTable;
 	const StepValues& m_steps;
 	int m_ordered[16];
@@ -382,6 +381,7 @@ private:
 	int m_beginAbove = 0;
 	std::int64_t m_bestError = static_cast<std::int64_t>(kWorstError);
 	unsigned int m_bestSet = std::numeric_limits<unsigned int>::max();
+	bool m_isSigned;
 };
 } // namespace
 

@@ -149,7 +149,7 @@ public:
 		int likely = kFirstSpread;
 		for (int multiplier = std::max(range / 29, 1); multiplier <= std::min(range / 17 + 1, 15); ++multiplier)
 		{
-			int errors[16];
+			int errors[16] = {};
 			EacSums<level>::tableErrors(distances.row(std::min(middle + multiplier / 2, 255)), multiplier, 0, 0, errors);
 			const int* found = std::min_element(errors, errors + 16);
 			if (*found < least)
@@ -176,7 +176,7 @@ private:
 
 	int m_sorted[16];
 	int m_multiplier = 0;
-	int m_bounds[15];
+	int m_bounds[15] = {};
 };
 
 int squareTo(const int* clamped, int entry, int texel)

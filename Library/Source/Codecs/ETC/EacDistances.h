@@ -50,7 +50,7 @@ public:
 	{
 		const int first = std::max(low - multiplier, kFirstStep);
 		const int last = std::min(high + multiplier, kLastStep);
-		int errors[15];
+		int errors[15] = {};
 		EacSums<level>::leastErrors(row(0), first, last, multiplier, *row(kFirstStep), *row(kLastStep), errors);
 		const auto start = static_cast<int>(boundOf(first, multiplier));
 		for (int i = 0; i < multiplier; ++i)
