@@ -3,7 +3,7 @@
 ///
 /// - The four halves (left, right, top, bottom) share one load of the texels; their means are quantised in the four lanes of one register.
 /// - For each half, lanes are four tables for either of both quantisations. The tables of small modifiers come first; the others are left
-///   out where the texels lie so near the base colours that their modifiers must overshoot (two halves of three in a photograph).
+///   out where the texels lie so near the base colours that their modifiers must overshoot (three halves of five in a photograph).
 /// - Only the halves of the block that wins get their indices.
 /// - The perceptual search adds up squares in single precision. Sums of 32-bit integers with nearly the same weights order all candidates
 ///   but the closest ones just so; where they do not, the sums in single precision are made, in their order.
