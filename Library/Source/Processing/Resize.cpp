@@ -96,6 +96,7 @@ bool SteppedStretchImage(Pixel<T>* source, Pixel<T>* destination, unsigned int w
 		return std::make_unique_for_overwrite<Pixel<T>[]>(size.numPixels());
 	};
 	std::unique_ptr<Pixel<T>[]> owned;
+	std::unique_ptr<Pixel<T>[]> room;
 	Pixel<T>* image = source;
 	if (nextSize(current, target) == target && isOverlapping(source, current.numPixels(), destination, target.numPixels()))
 	{
@@ -106,10 +107,14 @@ bool SteppedStretchImage(Pixel<T>* source, Pixel<T>* destination, unsigned int w
 	while (current != target)
 	{
 		const ImageSize next = nextSize(current, target);
-		std::unique_ptr<Pixel<T>[]> room = next == target ? nullptr : buffer(next);
+		if (next != target)
+		{
+			room = buffer(next);
+		}
 		Pixel<T>* result = next == target ? destination : room.get();
 		StretchImage(image, result, current.width, current.height, current.depth, next.width, next.height, next.depth, mode);
-		owned = std::move(room);
+		owned.swap(room);
+		room.reset();
 		image = result;
 		current = next;
 	}

@@ -194,7 +194,7 @@ TEST(ResampleBytes, CubicHalvesOfRowsThatAreNotExact)
 template<typename T>
 bool isSame(T a, T b)
 {
-	return std::memcmp(&a, &b, sizeof(T)) == 0 || (a != a && b != b);
+	return a == b ? std::signbit(static_cast<double>(a)) == std::signbit(static_cast<double>(b)) : a != a && b != b;
 }
 
 TYPED_TEST(ResampleLanes, ConvolveLikeThePlainForm)
