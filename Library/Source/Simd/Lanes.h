@@ -100,32 +100,46 @@ using F64 = FullLanes<double>;
 
 // Arithmetic, lane by lane.
 
-#define ZORT_LANES_OPERATOR(op)                                                                                                            \
+/// Numbers in which sums and products of T wrap: unsigned for signed integers, whose overflow the language leaves open.
+template<typename T, typename Enabled = void>
+struct Wrapping
+{
+	using Type = T;
+};
+template<typename T>
+struct Wrapping<T, std::enable_if_t<std::is_integral_v<T> && std::is_signed_v<T>>>
+{
+	using Type = std::make_unsigned_t<T>;
+};
+
+#define ZORT_LANES_OPERATOR(op, Calculated)                                                                                                \
 	template<typename T, unsigned int N>                                                                                                   \
 	ZORT_INLINE Lanes<T, N> operator op(Lanes<T, N> a, Lanes<T, N> b)                                                                      \
 	{                                                                                                                                      \
-		return {a.v op b.v};                                                                                                               \
+		using Vector = typename Lanes<Calculated, N>::Vector;                                                                              \
+		return {reinterpret_cast<typename Lanes<T, N>::Vector>(reinterpret_cast<Vector>(a.v) op reinterpret_cast<Vector>(b.v))};           \
 	}                                                                                                                                      \
 	template<typename T, unsigned int N>                                                                                                   \
 	ZORT_INLINE Lanes<T, N>& operator op##=(Lanes<T, N>& a, Lanes<T, N> b)                                                                 \
 	{                                                                                                                                      \
-		a.v = a.v op b.v;                                                                                                                  \
+		a = a op b;                                                                                                                        \
 		return a;                                                                                                                          \
 	}
-ZORT_LANES_OPERATOR(+)
-ZORT_LANES_OPERATOR(-)
-ZORT_LANES_OPERATOR(*)
-ZORT_LANES_OPERATOR(/)
-ZORT_LANES_OPERATOR(&)
-ZORT_LANES_OPERATOR(|)
-ZORT_LANES_OPERATOR(^)
+ZORT_LANES_OPERATOR(+, typename Wrapping<T>::Type)
+ZORT_LANES_OPERATOR(-, typename Wrapping<T>::Type)
+ZORT_LANES_OPERATOR(*, typename Wrapping<T>::Type)
+ZORT_LANES_OPERATOR(/, T)
+ZORT_LANES_OPERATOR(&, T)
+ZORT_LANES_OPERATOR(|, T)
+ZORT_LANES_OPERATOR(^, T)
 #undef ZORT_LANES_OPERATOR
 
 /// All lanes shifted by the same count, below their width. Signed lanes keep their sign to the right.
 template<typename T, unsigned int N>
 ZORT_INLINE Lanes<T, N> operator<<(Lanes<T, N> a, int count)
 {
-	return {a.v << count};
+	using Vector = typename Lanes<typename Wrapping<T>::Type, N>::Vector;
+	return {reinterpret_cast<typename Lanes<T, N>::Vector>(reinterpret_cast<Vector>(a.v) << count)};
 }
 template<typename T, unsigned int N>
 ZORT_INLINE Lanes<T, N> operator>>(Lanes<T, N> a, int count)
