@@ -29,10 +29,10 @@ void addTrial(KilnTrialList& list, const KilnCandidate& candidate, int hardVaria
 
 void keepTrials(const KilnTrialList& list, int keep, KilnModeSlot& slot)
 {
-	slot.count = std::min(list.count, keep);
+	slot.count = static_cast<std::uint8_t>(std::min(list.count, keep));
 	for (int i = 0; i < slot.count; ++i)
 	{
-		slot.kept[i] = list.trials[i].candidate;
+		slot.kept[i] = {list.trials[i].candidate.pair, list.trials[i].candidate.error};
 	}
 }
 

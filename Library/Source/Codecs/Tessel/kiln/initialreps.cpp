@@ -226,16 +226,16 @@ KilnPair pickPalettePair(const KilnSettings& settings, const BlockWindow& window
 void setSlot(KilnBlock& block, int mode, int box, const KilnPair& pair)
 {
 	KilnModeSlot& slot = block.slot(mode);
-	slot.mode = mode;
+	slot.mode = static_cast<std::uint8_t>(mode);
 	slot.count = 1;
-	slot.box = box;
-	slot.kept[0] = {pair, 0, 0};
+	slot.box = static_cast<std::uint8_t>(box);
+	slot.kept[0] = {pair, 0};
 }
 
 void copySlot(KilnBlock& block, int mode, int from)
 {
 	block.slot(mode) = block.slot(from);
-	block.slot(mode).mode = mode;
+	block.slot(mode).mode = static_cast<std::uint8_t>(mode);
 }
 
 /// The pair of a mode that starts from the pixels of one of the weight sets.

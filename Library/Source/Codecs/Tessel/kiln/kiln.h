@@ -122,14 +122,21 @@ struct KilnCandidate
 	std::uint64_t secondaryError = 0;
 };
 
+/// A pair that is kept, with what it costs over the window.
+struct KilnKept
+{
+	KilnPair pair;
+	std::uint64_t error = 0;
+};
+
 /// The pairs kept for one mode, best first; count 0 is a slot not in use.
 struct KilnModeSlot
 {
-	int mode = 0;
-	int count = 0;
+	std::uint8_t mode = 0;
+	std::uint8_t count = 0;
 	/// Which of the block's boxes bounds the colours that this mode looks at.
-	int box = 0;
-	std::array<KilnCandidate, kKilnMaxKept> kept;
+	std::uint8_t box = 0;
+	std::array<KilnKept, kKilnMaxKept> kept;
 };
 
 struct KilnBlock
@@ -164,7 +171,7 @@ struct KilnBlock
 		return boxes[slot(mode).box];
 	}
 	/// The pair in force.
-	const KilnCandidate& current() const
+	const KilnKept& current() const
 	{
 		return slot(currentMode).kept[0];
 	}

@@ -56,6 +56,7 @@ void enterBlock(OptimiseRegion& region, const KilnThreadRecord& record, int bloc
 		region.isSelf[i] = x == blockX && y == blockY;
 		region.flatNeighbourhood = region.flatNeighbourhood && blocks[y][x].singleColour;
 	}
+	region.paletteEntries.clear();
 	region.useRegions = settings.bpp == 4 && settings.wideSearch && block.isGraphics;
 	if (region.useRegions)
 	{
@@ -113,11 +114,11 @@ void tryMode(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& mode
 /// Flips the hard flag of a block, which keeps its pair.
 void flipHardFlag(KilnBlock& block, int bpp)
 {
-	const KilnCandidate current = block.current();
+	const KilnKept current = block.current();
 	block.currentMode ^= kilnHardBit(bpp);
 	KilnModeSlot& slot = block.slot(block.currentMode);
-	slot.mode = block.currentMode;
-	slot.count = std::min(slot.count + 1, kKilnMaxKept);
+	slot.mode = static_cast<std::uint8_t>(block.currentMode);
+	slot.count = static_cast<std::uint8_t>(std::min(slot.count + 1, kKilnMaxKept));
 	std::copy_backward(slot.kept.begin(), slot.kept.begin() + slot.count - 1, slot.kept.begin() + slot.count);
 	slot.kept[0] = current;
 }

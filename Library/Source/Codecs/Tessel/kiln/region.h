@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "blending.h"
 #include "candidates.h"
@@ -32,6 +33,8 @@ struct OptimiseRegion
 	/// In force when useRegions is set.
 	KilnRegionPlaces regions;
 	bool useRegions = false;
+	/// The colours of the local palette, once they were needed; empty before.
+	std::vector<KilnColour> paletteEntries;
 	/// A trial that reaches this error is given up.
 	std::uint64_t limit = 0;
 

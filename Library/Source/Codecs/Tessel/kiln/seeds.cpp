@@ -129,8 +129,12 @@ void walkWeightVariants(OptimiseRegion& region)
 /// every second block.
 void walkPaletteVariants(OptimiseRegion& region)
 {
-	const std::vector<KilnColour> entries = GeneratePaletteEntries(*region.block, region.window.data(), PalettePixels4bpp.data(),
-	                                                               kKilnWindow4Bpp, kKilnPaletteEntries, kPaletteErrorLimit);
+	std::vector<KilnColour>& entries = region.paletteEntries;
+	if (entries.empty())
+	{
+		entries = GeneratePaletteEntries(*region.block, region.window.data(), PalettePixels4bpp.data(), kKilnWindow4Bpp,
+		                                 kKilnPaletteEntries, kPaletteErrorLimit);
+	}
 	const bool exchangedFirst = ((region.blockX + region.blockY) & 1) != 0;
 	int left = region.settings->variants;
 	for (const bool secondHalf : {false, true})
@@ -175,7 +179,7 @@ void walkSeeds(OptimiseRegion& region, const std::array<int, kKilnModeSlots>& mo
 	for (int i = 0; i < modeCount; ++i)
 	{
 		const KilnModeSlot& other = region.block->slot(modes[i]);
-		if (modes[i] != region.mode && walkKept(region, other, std::min(other.count, 1)))
+		if (modes[i] != region.mode && walkKept(region, other, other.count > 0 ? 1 : 0))
 		{
 			return;
 		}
