@@ -275,11 +275,11 @@ void KilnKernels<level>::evaluate4Bpp(const KilnWindowModel& model, const KilnPa
 template<ESimdLevel level>
 std::uint64_t KilnKernels<level>::rimError4Bpp(const KilnWindowModel& model)
 {
-	KilnFittingParams* const none = nullptr;
+	KilnFittingParams unused;
 	std::uint8_t black[sizeof(KilnPair)] = {};
 	KilnPair pair;
 	std::memcpy(&pair, black, sizeof(pair));
-	return evaluatePlaces<kKilnErrorsAlone>(model, kKilnRimPlace, kKilnEndPlace, lanesOf(pair), *none);
+	return evaluatePlaces<kKilnErrorsAlone>(model, kKilnRimPlace, kKilnEndPlace, lanesOf(pair), unused);
 }
 
 template<ESimdLevel level>
