@@ -60,12 +60,7 @@ struct KilnWindowModel
 	/// How much a difference in B and in alpha counts: 1, and kilnAlphaFactor.
 	KilnRow scale;
 
-	// At 4bpp.
-	bool tessel2;
-	/// Whether the rim is prepared and counted.
-	bool withRim;
-	std::uint8_t groupKinds[kKilnEndPlace / kKilnGroupPlaces];
-	/// All bits where a pixel is punch-through, and where it is transparent too, so that the third candidate costs nothing.
+	// At 4bpp. All bits where a pixel is punch-through, and where it is transparent too, so that the third candidate costs nothing.
 	KilnRow punched;
 	KilnRow isFree;
 	/// All bits at palette pixels; their four candidates: fixed ones of other blocks, and where A and B of the block itself belong.
@@ -73,8 +68,6 @@ struct KilnWindowModel
 	KilnRow fixed[4][2];
 	KilnRow showsA[4];
 	KilnRow showsB[4];
-	/// The error of the rim, which no pair of the block can move; 0 if it is not to be counted.
-	std::uint64_t rimError;
 
 	// At 2bpp. All bits where a pixel lies in the block's own area, and where it lies around it but not on the rim.
 	KilnRow isOwn;
@@ -82,13 +75,22 @@ struct KilnWindowModel
 	/// All bits where a pixel is left out between its neighbours, and where it can only be 0 or 3.
 	KilnRow isLeftOut;
 	KilnRow endsOnly;
-	bool hasLeftOut;
 	/// By how many quarters each neighbour enters the weight of a pixel that is left out: the one before, after, above and below.
 	KilnRow quarters[4];
 	/// All bits where that neighbour is left out and reads the pixel, which makes up for it; and division by twice their number.
 	KilnRow isReader[4];
 	KilnRow divisionFactor;
 	KilnRow divisionBias;
+
+	/// At 4bpp, the error of the rim, which no pair of the block can move; 0 if it is not to be counted.
+	std::uint64_t rimError;
+	/// At 4bpp, a KilnGroupKind for each group.
+	std::uint8_t groupKinds[kKilnEndPlace / kKilnGroupPlaces];
+	bool tessel2;
+	/// Whether the rim of a 4bpp window is prepared and counted.
+	bool withRim;
+	/// Whether any 2bpp pixel is left out.
+	bool hasLeftOut;
 };
 
 /// The neighbours of a 2bpp pixel, in places from its own.
