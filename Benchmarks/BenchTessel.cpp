@@ -56,23 +56,23 @@ void decodeNoise(benchmark::State& state, bool is2bpp, unsigned int version, dou
 	decodeBlocks(state, blocks, is2bpp, version, goal);
 }
 
-#define ZORT_BENCH_TESSEL(function, title, ...)                                                                                            \
-	BENCHMARK_CAPTURE(function, title, __VA_ARGS__)->Name("tessel/" #function " " #title)->Unit(benchmark::kMillisecond)
+#define ZORT_BENCH_TESSEL(work, function, title, ...)                                                                                      \
+	BENCHMARK_CAPTURE(function, title, __VA_ARGS__)->Name("tessel/" work " " #title)->Unit(benchmark::kMillisecond)
 
-ZORT_BENCH_TESSEL(encode, I_2bpp_quality_0, true, 0, 0);
-ZORT_BENCH_TESSEL(encode, I_2bpp_quality_1, true, 0, 1);
-ZORT_BENCH_TESSEL(encode, I_4bpp_quality_0, false, 0, 0);
-ZORT_BENCH_TESSEL(encode, I_4bpp_quality_1, false, 0, 1, 0.5);
-ZORT_BENCH_TESSEL(encode, II_2bpp_quality_0, true, 1, 0);
-ZORT_BENCH_TESSEL(encode, II_2bpp_quality_1, true, 1, 1);
-ZORT_BENCH_TESSEL(encode, II_4bpp_quality_0, false, 1, 0);
-ZORT_BENCH_TESSEL(encode, II_4bpp_quality_1, false, 1, 1, 0.5);
-ZORT_BENCH_TESSEL(decode, I_2bpp, true, 0, 11);
-ZORT_BENCH_TESSEL(decode, I_4bpp, false, 0, 11);
-ZORT_BENCH_TESSEL(decode, II_2bpp, true, 1, 6);
-ZORT_BENCH_TESSEL(decode, II_4bpp, false, 1, 6);
-ZORT_BENCH_TESSEL(decodeNoise, I_2bpp, true, 0, 11);
-ZORT_BENCH_TESSEL(decodeNoise, I_4bpp, false, 0, 11);
-ZORT_BENCH_TESSEL(decodeNoise, II_2bpp, true, 1, 6);
-ZORT_BENCH_TESSEL(decodeNoise, II_4bpp, false, 1, 6);
+ZORT_BENCH_TESSEL("encode", encode, I_2bpp_quality_0, true, 0, 0);
+ZORT_BENCH_TESSEL("encode", encode, I_2bpp_quality_1, true, 0, 1);
+ZORT_BENCH_TESSEL("encode", encode, I_4bpp_quality_0, false, 0, 0);
+ZORT_BENCH_TESSEL("encode", encode, I_4bpp_quality_1, false, 0, 1, 0.5);
+ZORT_BENCH_TESSEL("encode", encode, II_2bpp_quality_0, true, 1, 0);
+ZORT_BENCH_TESSEL("encode", encode, II_2bpp_quality_1, true, 1, 1);
+ZORT_BENCH_TESSEL("encode", encode, II_4bpp_quality_0, false, 1, 0);
+ZORT_BENCH_TESSEL("encode", encode, II_4bpp_quality_1, false, 1, 1, 0.5);
+ZORT_BENCH_TESSEL("decode", decode, I_2bpp, true, 0, 11);
+ZORT_BENCH_TESSEL("decode", decode, I_4bpp, false, 0, 11);
+ZORT_BENCH_TESSEL("decode", decode, II_2bpp, true, 1, 6);
+ZORT_BENCH_TESSEL("decode", decode, II_4bpp, false, 1, 6);
+ZORT_BENCH_TESSEL("decode noise", decodeNoise, I_2bpp, true, 0, 11);
+ZORT_BENCH_TESSEL("decode noise", decodeNoise, I_4bpp, false, 0, 11);
+ZORT_BENCH_TESSEL("decode noise", decodeNoise, II_2bpp, true, 1, 6);
+ZORT_BENCH_TESSEL("decode noise", decodeNoise, II_4bpp, false, 1, 6);
 } // namespace

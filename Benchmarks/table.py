@@ -47,7 +47,7 @@ def main():
         if now is None:
             failed.append(f"{name}: {row['error_message']}")
             continue
-        cells = [name.split("/process_time")[0].split("/real_time")[0]]
+        cells = [name.split("/process_time")[0].split("/real_time")[0].replace("_", " ")]
         old = rate(before.get(name)) if before else None
         if before:
             cells.append(figures(old / 1e6) if old else "")
