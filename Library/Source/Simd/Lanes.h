@@ -254,19 +254,12 @@ ZORT_INLINE Lanes<T, N * 2> join(Lanes<T, N> low, Lanes<T, N> high)
 #if defined(__AVX2__)
 	if constexpr (sizeof(low.v) == 16)
 	{
-		// What follows would go through memory, and a wide load waits long for two narrow stores.
+		// Copies would go through memory, and a wide load waits long for two narrow stores.
 		return {reinterpret_cast<typename Lanes<T, N * 2>::Vector>(
 		    _mm256_set_m128i(reinterpret_cast<__m128i>(high.v), reinterpret_cast<__m128i>(low.v)))};
 	}
 #endif
 	Lanes<T, N * 2> result;
-#if defined(__AVX2__)
-	if constexpr (sizeof(low.v) == 16)
-	{
-		const __m256i wide = _mm256_castsi128_si256(reinterpret_cast<__m128i>(low.v));
-		return {reinterpret_cast<decltype(result.v)>(_mm256_inserti128_si256(wide, reinterpret_cast<__m128i>(high.v), 1))};
-	}
-#endif
 	std::memcpy(&result.v, &low.v, sizeof(low.v));
 	std::memcpy(reinterpret_cast<char*>(&result.v) + sizeof(low.v), &high.v, sizeof(high.v));
 	return result;

@@ -342,6 +342,7 @@ struct RandomWindow
 		kilnSetTargets(settings, pixels.data(), bpp == 4, model);
 		kilnSetSurroundings(settings, around, flags, model);
 		kilnSetKinds(settings, pixels.data(), around, modes, flags, model);
+		const ForcedSimdLevel plain(eSimdPlain);
 		model.rimError = bpp == 4 ? kilnKernels().rimError4Bpp(model) : 0;
 	}
 };

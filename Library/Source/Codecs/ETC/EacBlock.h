@@ -69,8 +69,8 @@ void compressBlockAlphaSlow(const unsigned char* source, unsigned int startX, un
                             const AlphaTable& table);
 
 /// Encodes 16-bit values with the parameter set of the least error, the first of equals in the order of bases, tables and multipliers.
-/// `step` is the number of values from one
-/// texel to the next (1 or 2), `width` a row's length in texels, `valueTable` the one of the same signedness.
+/// `step` is the number of values from one texel to the next (1 or 2), `width` a row's length in texels, `valueTable` the one of the same
+/// signedness.
 void compressBlockAlpha16(const std::uint16_t* source, unsigned int step, unsigned int startX, unsigned int startY, unsigned int width,
                           unsigned char* block, bool isSigned, const std::uint16_t* valueTable);
 

@@ -230,9 +230,10 @@ unsigned int search(const unsigned char* source, unsigned int width, unsigned in
 	{
 		const unsigned int others = errors[0] + errors[1] + errors[2] - errors[channel];
 		errors[channel] = seedErrors[channel];
-		if (others <= bound)
+		// A bound that was measured in floating point may be 1 too small, and a block that costs 1 more than it is still the best.
+		if (others <= bound + 1)
 		{
-			const auto limit = static_cast<int>(std::min(bound - others, seedErrors[channel]) / Scale::kWeights[channel]);
+			const auto limit = static_cast<int>(std::min({bound, bound + 1 - others, seedErrors[channel]}) / Scale::kWeights[channel]);
 			const CPlanarForm form(channels[channel], limit);
 			auto found = static_cast<int>(seedErrors[channel] / Scale::kWeights[channel]);
 			if (channel == 1)

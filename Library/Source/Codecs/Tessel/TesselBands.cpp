@@ -63,6 +63,9 @@ std::size_t roundUp(std::size_t value, std::size_t step)
 	return (value + step - 1) / step * step;
 }
 
+/// What the decoder may always have. A picture that is wide and low asks for many times its own size; beyond this it must not.
+constexpr std::size_t kModestMemory = std::size_t{64} << 20;
+
 /// Hands out arrays of one allocation: first all are asked for, then it is made, then they are asked for again.
 class Arena
 {
@@ -74,9 +77,13 @@ public:
 		m_size = roundUp(at + count * sizeof(T), alignof(std::uint64_t)) + kMargin;
 		return m_memory == nullptr ? nullptr : reinterpret_cast<T*>(m_memory.get() + at);
 	}
-	/// False when memory fails.
-	bool allocate()
+	/// False when memory fails, or when it would be more than `limit`.
+	bool allocate(std::size_t limit)
 	{
+		if (m_size > limit)
+		{
+			return false;
+		}
 		m_memory.reset(new (std::nothrow) unsigned char[m_size]());
 		m_size = 0;
 		return m_memory != nullptr;
@@ -100,7 +107,8 @@ public:
 	bool allocate()
 	{
 		takeArrays();
-		if (!m_arena.allocate())
+		const std::size_t pictureBytes = m_picture.width * m_picture.height * 4;
+		if (!m_arena.allocate(std::max(kModestMemory, pictureBytes)))
 		{
 			return false;
 		}

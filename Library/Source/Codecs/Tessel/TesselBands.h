@@ -28,7 +28,7 @@ struct TesselBandPicture
 };
 
 /// Decodes by the vector unit in use.
-/// @return false, with nothing written, where there is none or memory fails.
+/// @return false, with nothing written, where there is none, where memory fails, or where a low picture would need far more than its size.
 bool decodeTesselBands(const TesselBandPicture& picture);
 
 /// Blocks that a row of blocks is rounded up to, so that all of its arrays are read and written in whole registers.

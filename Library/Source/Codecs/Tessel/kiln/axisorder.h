@@ -16,7 +16,7 @@ struct alignas(32) KilnAxisValues
 template<zortexture::ESimdLevel level>
 struct KilnAxisOrder
 {
-	/// The places that the first `count` values take in ascending order, equal ones in the order in which they stand.
+	/// The places that the first `count` values, all of them numbers, take in ascending order, equal ones in the order in which they stand.
 	static void rank(const KilnAxisValues& values, int count, std::uint8_t* places);
 	/// Of `count` values in ascending order, how many lie below each threshold.
 	static void countBelow(const KilnAxisValues& values, int count, const float (&thresholds)[3], int (&counts)[3]);

@@ -30,7 +30,7 @@ enum KilnDetail
 };
 
 /// How the places of a window are encoded, and the data of a fit. The block's colours enter a pixel by multiples of 1/512, so that all sums
-/// of a fit are whole numbers. Places behind those of the window are 0.
+/// of a fit are whole numbers. Influences and residuals of the places behind those of the window are 0.
 struct KilnFittingParams
 {
 	/// By how many 512ths a step of A, or of B, moves the pixel, twice. 0 for a palette pixel that shows a colour of another block and for

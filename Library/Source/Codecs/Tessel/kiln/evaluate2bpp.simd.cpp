@@ -214,6 +214,7 @@ ZORT_INLINE void evaluate(const KilnWindowModel& model, const KilnPair& pair, Ki
 		}
 	}
 	errors.rim = 0;
+	// The outer pixels of a window are 73, and no pixel's error is above 3 * 255^2 + (30 * 255)^2: their sum just stays below 2^32.
 	errors.own = sumOf(own);
 	errors.outer = sumOf(outer);
 	errors.total = errors.own + errors.outer;

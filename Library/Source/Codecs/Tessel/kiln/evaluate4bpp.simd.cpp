@@ -140,7 +140,7 @@ ZORT_INLINE Choice bestOf(const I32 (&errors)[4])
 {
 	const I32 end = least(errors[3], errors[0]);
 	const I32 middle = least(errors[1], errors[2]);
-	return {errors[0] > errors[3], errors[1]<errors[2], middle> end};
+	return {errors[0] > errors[3], errors[2] > errors[1], middle > end};
 }
 
 ZORT_INLINE Choice choiceOf(U16 indices)

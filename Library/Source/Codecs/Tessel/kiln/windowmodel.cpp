@@ -153,6 +153,7 @@ void setPalette(int pixel, int place, const KilnNeighbourColours& colours, KilnW
 		model.fixed[k][1].set(place, colour[2], colour[3]);
 	}
 }
+
 void setKinds4Bpp(const KilnColour* window, const KilnNeighbourColours& colours, const KilnNeighbourModes& modes, unsigned hardFlags,
                   KilnWindowModel& model)
 {
@@ -234,7 +235,7 @@ void setKinds2Bpp(const KilnNeighbourModes& modes, KilnWindowModel& model)
 	{
 		const int x = i % kWidth2Bpp;
 		const int y = i / kWidth2Bpp;
-		const bool isInside[4] = {x > 0, x<kWidth2Bpp - 1, y> 0, y < kHeight2Bpp - 1};
+		const bool isInside[4] = {x != 0, x != kWidth2Bpp - 1, y != 0, y != kHeight2Bpp - 1};
 		unsigned readers = 0;
 		for (unsigned k = 0; k < 4; ++k)
 		{
