@@ -20,7 +20,7 @@ ZORT_API bool SetChannelsFloat(CZORTexture& texture, unsigned int numChannels, E
 ZORT_API bool CopyChannels(CZORTexture& destination, const CZORTexture& source, unsigned int numChannels, EChannelName* destinationChannels,
                            EChannelName* sourceChannels);
 
-/// The worker of CopyChannels on one image, for each pair of element types. False for null images.
+/// The worker of CopyChannels on one image, for each pair of element types. The two images are the same or apart. False for null images.
 template<typename S, typename D>
 ZORT_API bool CopyChannels(Pixel<S>* source, Pixel<D>* destination, const unsigned int& width, const unsigned int& height,
                            const unsigned int& depth, const unsigned int& numChannels, EChannelName* destinationChannels,
@@ -34,7 +34,7 @@ ZORT_API bool PreMultiplyAlpha(CZORTexture& texture);
 /// whose alpha element is 8 or more; black when there are none.
 ZORT_API bool Bleed(CZORTexture& texture);
 
-/// The worker of Bleed on one image. False for a null image or when memory runs out.
+/// The worker of Bleed on one image. False for a null image.
 template<typename T>
 ZORT_API bool Bleed(Pixel<T>* image, const unsigned int& width, const unsigned int& height, const unsigned int& depth);
 } // namespace zortexture

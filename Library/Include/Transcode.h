@@ -54,6 +54,7 @@ enum ECompressorQuality : int
 ///         true. False with the texture unchanged when the target is ePF_NumCompressedPFs, the texture has no (or not all of its) data, or
 ///         a form on the way is larger than a texture can be; false with the texture replaced when a codec failed (what it did not write is
 ///         zero then; all of a target of the DXT family, whose encoder is called by itself: see DXTCompress).
+/// @throws std::bad_alloc; the texture is left in one of the forms on the way.
 ZORT_API bool Transcode(CZORTexture& texture, PixelType target, EZORTVariableType channelType, EZORTColourSpace colourSpace,
                         ECompressorQuality quality = eQuality_0, bool dither = false);
 

@@ -25,7 +25,8 @@ public:
 	explicit CZORTexture(const CZORTextureHeader& header, const void* data = nullptr);
 
 	CZORTexture(const CZORTexture& other);
-	/// Like a copy, but takes the other texture's block over and leaves it without data.
+	/// Like a copy, but takes the other texture's block over, which leaves that one without data. A block longer than its texture is
+	/// copied.
 	CZORTexture(CZORTexture&& other); // NOLINT(performance-noexcept-move-constructor): the header is copied
 
 	/// Loads a file; the extension alone picks the format: ktx, dds, astc (in any case), and native for all others.
@@ -37,7 +38,8 @@ public:
 	explicit CZORTexture(const void* texture);
 
 	CZORTexture& operator=(const CZORTexture& other);
-	/// Like a copy, but takes the other texture's block over and leaves it without data.
+	/// Like a copy, but takes the other texture's block over, which leaves that one without data. A block longer than its texture is
+	/// copied.
 	CZORTexture& operator=(CZORTexture&& other); // NOLINT(performance-noexcept-move-constructor)
 	~CZORTexture();
 

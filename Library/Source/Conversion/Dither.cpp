@@ -140,7 +140,7 @@ void ditherSlice<eSimdPlain>(unsigned char* pixels, const unsigned char* depths,
 void Dither(unsigned char* data, PixelType target, unsigned int width, unsigned int height, unsigned int depth)
 {
 	const Depths depths = depthsOf(target);
-	if (data == nullptr || std::none_of(depths.begin(), depths.end(), isReduced))
+	if (data == nullptr || width == 0 || height == 0 || depth == 0 || std::none_of(depths.begin(), depths.end(), isReduced))
 	{
 		return;
 	}

@@ -81,9 +81,10 @@ unsigned int TranscodeTrivial(CZORTexture& source, CZORTexture& destination, CPi
 	unsigned long long pixelsInAll = 0;
 	forEachImagePair(source, destination, sourceStep, destinationStep,
 	                 [&](const unsigned char*, unsigned char*, unsigned int numPixels) { pixelsInAll += numPixels; });
-	// Pixels of a texture that is converted within itself can depend on those before them.
+	// Pixels of a texture that is converted within itself can depend on those before them, and an encoder that is on both sides clears a
+	// pixel before it reads it.
 	std::unique_ptr<CBulkConversion> conversion;
-	if (&source != &destination)
+	if (&source != &destination && &sourceEncoder != &destinationEncoder)
 	{
 		conversion = makeBulkConversion({sourceEncoder, destinationEncoder, SPixelLayout(sourceEncoder), SPixelLayout(destinationEncoder),
 		                                 targetSpace, sourceSpace, pixelsInAll});

@@ -267,12 +267,11 @@ bool Bleed(Pixel<T>* image, const unsigned int& width, const unsigned int& heigh
 			try
 			{
 				RunningSums<T>(image, width, height, depth).bleed();
+				return true;
 			}
-			catch (const std::bad_alloc&)
+			catch (const std::bad_alloc&) // before anything is written
 			{
-				return false;
 			}
-			return true;
 		}
 	}
 	bleedByBoxes(image, width, height, depth);

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 #include "ConvolvedRows.h"
@@ -76,9 +78,12 @@ bool ConvolutionKernel(Pixel<T>* source, Pixel<T>* destination, unsigned int wid
 	}
 	const Kernel taps = {kernel, 1.0f / weight, kernelWidth, kernelHeight, kernelDepth};
 	const std::size_t numPixels = std::size_t{width} * height * depth;
-	// By rows what is of the sizes that filters have: enough pixels to gain from it, and few enough rows to hold.
-	const bool isByRows = numPixels > 1 && width <= kWidestCachedRow && kernelWidth <= 64 && kernelHeight <= 64 && kernelDepth <= 64 &&
-	                      kernelHeight * kernelDepth <= 64 && !isOverlapping(source, numPixels, destination, numPixels);
+	// By rows what is of the sizes that filters have: enough pixels to gain from it, and few enough rows to hold. Which of two NaNs a
+	// product keeps is left to the order that the compiler puts them in.
+	const bool isByRows =
+	    numPixels > 1 && width <= kWidestCachedRow && kernelWidth <= 64 && kernelHeight <= 64 && kernelDepth <= 64 &&
+	    kernelHeight * kernelDepth <= 64 && !isOverlapping(source, numPixels, destination, numPixels) &&
+	    std::none_of(kernel, kernel + std::size_t{kernelWidth} * kernelHeight * kernelDepth, [](float tap) { return std::isnan(tap); });
 	withSimdLevel(
 	    [&](auto level)
 	    {

@@ -235,6 +235,22 @@ TEST(BulkConversion, EveryImageOfATextureIsConverted)
 	}
 }
 
+/// An encoder that serves both sides clears each pixel before it is read.
+TEST(BulkConversion, OneEncoderOnBothSides)
+{
+	CZORTextureHeader header(ZORStandard8PixelType.id, 16, 16);
+	CZORTexture source = randomTexture(header, 3);
+	for (const ESimdLevel level : {eSimdPlain, eSimdSse2, eSimdAvx2})
+	{
+		const ForcedSimdLevel forced(level);
+		CZORTexture destination = randomTexture(header, 4);
+		CPixelEncoder encoder(ZORStandard8PixelType, eVT_UnsignedByteNorm);
+		EXPECT_EQ(TranscodeTrivial(source, destination, encoder, encoder, eCS_sRGB, eCS_lRGB), 1024u);
+		const CZORTexture black(header);
+		EXPECT_EQ(std::memcmp(destination.getDataPtr(), black.getDataPtr(), 1024), 0) << level;
+	}
+}
+
 TEST(Dither, WavesOfRowsGiveTheBytesOfTheWalkByColumns)
 {
 	std::mt19937 random(3);
