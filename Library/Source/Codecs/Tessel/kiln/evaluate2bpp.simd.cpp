@@ -1,5 +1,4 @@
-#include "Simd/Lanes.h"
-#include "evaluate.h"
+#include "rowlanes.h"
 
 using namespace zortexture;
 
@@ -31,19 +30,6 @@ struct alignas(32) WideRow
 	}
 };
 
-ZORT_INLINE U16 inTurns(unsigned first, unsigned second)
-{
-	return as<std::uint16_t>(U32::filled(first | second << 16));
-}
-ZORT_INLINE U16 loadRow(const KilnRow& row, int place)
-{
-	return U16::load(row.lanes + 2 * place);
-}
-ZORT_INLINE void storeRow(KilnRow& row, int place, U16 values)
-{
-	values.store(row.lanes + 2 * place);
-}
-
 struct Scratch
 {
 	/// A and B at 8 bits, R and G, then B and alpha.
@@ -54,14 +40,6 @@ struct Scratch
 	/// What the pixels that are left out lack.
 	WideRow lacking[2];
 };
-
-/// A plane at 8 bits: the top bits repeated below, 5 of a colour and 4 of alpha.
-template<int kHalf>
-ZORT_INLINE U16 upscaled(U16 around, U16 share, U16 colour)
-{
-	const U16 scaled = (around + share * colour) >> 6;
-	return scaled + (kHalf == 0 ? scaled >> 5 : multiplyHigh(scaled, inTurns(1 << 11, 1 << 12)));
-}
 
 ZORT_INLINE U16 residualAt(const Scratch& scratch, const KilnWindowModel& model, int half, int place, U16 weight)
 {

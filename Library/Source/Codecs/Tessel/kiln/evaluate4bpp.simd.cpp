@@ -1,5 +1,4 @@
-#include "Simd/Lanes.h"
-#include "evaluate.h"
+#include "rowlanes.h"
 
 using namespace zortexture;
 
@@ -7,19 +6,6 @@ namespace
 {
 /// Pixels of a vector.
 constexpr int kPixels = static_cast<int>(U16::kCount) / 2;
-
-ZORT_INLINE U16 inTurns(unsigned first, unsigned second)
-{
-	return as<std::uint16_t>(U32::filled(first | second << 16));
-}
-ZORT_INLINE U16 loadRow(const KilnRow& row, int place)
-{
-	return U16::load(row.lanes + 2 * place);
-}
-ZORT_INLINE void storeRow(KilnRow& row, int place, U16 values)
-{
-	values.store(row.lanes + 2 * place);
-}
 
 /// The pair of the block, R and G, then B and alpha: the bits that blend, and for palettes all of them.
 struct PairLanes
@@ -45,14 +31,6 @@ ZORT_INLINE PairLanes lanesOf(const KilnPair& pair)
 		lanes.b[half] = lanes.wholeB[half] & working;
 	}
 	return lanes;
-}
-
-/// A plane at 8 bits: the top bits repeated below, 5 of a colour and 4 of alpha.
-template<int kHalf>
-ZORT_INLINE U16 upscaled(U16 around, U16 share, U16 colour)
-{
-	const U16 scaled = (around + share * colour) >> 6;
-	return scaled + (kHalf == 0 ? scaled >> 5 : multiplyHigh(scaled, inTurns(1 << 11, 1 << 12)));
 }
 
 /// The candidates 0 to 3 of two channels: A and B, and their mixes at 3 and 5 eighths. With punch-through both mixes are at 4 eighths, and
