@@ -21,7 +21,8 @@ struct ByteMoves
 	std::uint8_t from[4] = {eKept, eKept, eKept, eKept};
 };
 
-/// Moves bytes from each pixel of `source` to that of `destination`, which may be the same memory.
+/// Moves bytes from each pixel of `source` to that of `destination`, which may be the same memory. For the vector units alone: the plain
+/// form is CopyChannels' own walk.
 template<ESimdLevel level>
 void moveBytes(const unsigned char* source, unsigned char* destination, std::size_t numPixels, const ByteMoves& moves);
 

@@ -181,7 +181,14 @@ bool CopyChannels(Pixel<S>* source, Pixel<D>* destination, const unsigned int& w
 		ByteMoves moves;
 		if (simdLevel() != eSimdPlain && findByteMoves(numChannels, destinationChannels, sourceChannels, moves))
 		{
-			withSimdLevel([&](auto level) { moveBytes<level()>(&source->r, &destination->r, numPixels, moves); });
+			withSimdLevel(
+			    [&](auto level)
+			    {
+				    if constexpr (level() != eSimdPlain)
+				    {
+					    moveBytes<level()>(&source->r, &destination->r, numPixels, moves);
+				    }
+			    });
 			return true;
 		}
 	}
